@@ -1,0 +1,91 @@
+// The deduplicating set behind coordinates, materials, normals and texture coordinates.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "data/dataset.h"
+
+namespace varimesh {
+
+// Mixes one more number into a hash. 0.0 and -0.0 are equal, so they must mix alike.
+inline std::uint64_t mixHash(std::uint64_t hash, float number) {
+  const auto bits = std::bit_cast<std::uint32_t>(number + 0.0F);
+  hash = (hash ^ bits) * 0x9E3779B97F4A7C15U;
+  return hash ^ (hash >> 29);
+}
+
+// A Record derives from Data and has compareWith (0 when equal), hash, and print.
+// Equal values share the record that was inserted first. A hash table finds it in constant time,
+// whatever the order of the input; a search tree would degenerate on sorted lists.
+template <class Record>
+class RecordSet : public DataSet {
+ public:
+  // Announces how many values are coming.
+  void reserve(std::size_t values) { array.reserve(values); }
+
+  // Adds the next value of the input and returns the record that stands for it.
+  Reference insert(const Record& record) {
+    if (slots_.size() < 2 * records.size() + 2) grow();
+    const std::size_t mask = slots_.size() - 1;
+    std::size_t slot = record.hash() & mask;
+    while (slots_[slot] != 0 && records[slots_[slot] - 1].compareWith(record) != 0) {
+      slot = (slot + 1) & mask;
+    }
+    if (slots_[slot] == 0) {
+      records.push_back(record);
+      slots_[slot] = static_cast<std::uint32_t>(records.size());
+      count = static_cast<int>(records.size());
+    }
+    array.append(slots_[slot] - 1);
+    return slots_[slot] - 1;
+  }
+
+  // Gives every record the number under which it is written. A record that `uncompressed` makes
+  // appear more than once gets the last of its numbers. Ends insertion.
+  void setIndices() {
+    std::vector<std::uint32_t>().swap(slots_);
+    int next = 0;
+    forEachWritten(array.getSize(),
+                   [&](int, Reference reference) { records[reference].index = next++; });
+    count = next;
+  }
+
+  // Writes the records as one list in the order of setIndices; `field` is handed to each.
+  void printSet(Output& out, int indent, int field) {
+    global_cpl = 0;
+    if (uncompressed > array.getSize()) uncompressed = array.getSize();
+    bool isFirst = true;
+    forEachWritten(array.getSize(), [&](int, Reference reference) {
+      if (!isFirst) printRecordSeparator(out, indent);
+      isFirst = false;
+      records[reference].print(out, field);
+    });
+  }
+
+  [[nodiscard]] bool isEmpty() const { return records.empty(); }
+  [[nodiscard]] const Record& getRecord(Reference reference) const { return records[reference]; }
+  // The number under which the value at an input position is written.
+  [[nodiscard]] int getWrittenIndex(int position) const { return records[array[position]].index; }
+
+ protected:
+  std::vector<Record> records;
+
+ private:
+  void grow() {
+    const std::size_t size = slots_.empty() ? 64 : 4 * slots_.size();
+    slots_.assign(size, 0);
+    for (std::size_t i = 0; i < records.size(); ++i) {
+      std::size_t slot = records[i].hash() & (size - 1);
+      while (slots_[slot] != 0) slot = (slot + 1) & (size - 1);
+      slots_[slot] = static_cast<std::uint32_t>(i + 1);
+    }
+  }
+
+  std::vector<std::uint32_t> slots_;  // record number plus one; 0 is free; a power of two of them
+};
+
+}  // namespace varimesh

@@ -1,0 +1,178 @@
+#include "shapes/facenode.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "scene/bindingnodes.h"
+#include "shapes/faceset.h"
+#include "shapes/vertexreader.h"
+#include "triangulate/triangulator.h"
+
+namespace varimesh {
+namespace {
+
+using Source = IndexReader::Source;
+
+constexpr VertexReader::Sources faceSources = {
+    Source::none,          Source::none,          Source::polygonNumber, Source::listByPolygon,
+    Source::polygonNumber, Source::listByPolygon, Source::vertexNumber,  Source::listByVertex};
+
+// Fills the set of level 0: first all quadrangles, then all triangles, those of longer polygons
+// among them, then all segments, so that what lies within a bigger face finds it already there.
+// Faces need to wait only in shapes that hold bigger ones.
+class FaceCollector {
+ public:
+  FaceCollector(FaceSet& set, const OctreeCoordSet& coords, std::span<const int> positions)
+      : set_(set), coordSet_(coords) {
+    std::size_t n = 0;
+    std::size_t polygons = 0;
+    const auto note = [&] {
+      hasQuadrangles_ = hasQuadrangles_ || n == 4;
+      hasTriangles_ = hasTriangles_ || n == 3 || n > 4;
+      polygons += n > 1 ? 1 : 0;
+      n = 0;
+    };
+    for (const int position : positions) {
+      if (position == -1) {
+        note();
+      } else {
+        ++n;
+      }
+    }
+    note();
+    set_.reserve(polygons);
+  }
+
+  void add(std::span<const Vertex> v) {
+    switch (v.size()) {
+      case 1: break;
+      case 2:
+        if (hasQuadrangles_ || hasTriangles_) {
+          segments_.push_back({v[0], v[1]});
+        } else {
+          set_.insert(Face(v[0], v[1]));
+        }
+        break;
+      case 3: addTriangle(v[0], v[1], v[2]); break;
+      case 4: set_.insert(Face(v[0], v[1], v[2], v[3])); break;
+      default: addPolygon(v); break;
+    }
+  }
+
+  void finish() {
+    for (const auto& t : triangles_) set_.insert(Face(t[0], t[1], t[2]));
+    for (const auto& s : segments_) set_.insert(Face(s[0], s[1]));
+  }
+
+ private:
+  void addTriangle(const Vertex& a, const Vertex& b, const Vertex& c) {
+    if (hasQuadrangles_) {
+      triangles_.push_back({a, b, c});
+    } else {
+      set_.insert(Face(a, b, c));
+    }
+  }
+
+  // A polygon that cannot be triangulated is left out; the triangulator has said so.
+  void addPolygon(std::span<const Vertex> v) {
+    triangulator_.reset();
+    for (const Vertex& vertex : v) {
+      const OctreeCoord& p = coordSet_.getOctreeCoord(vertex.coord);
+      triangulator_.addPoint(double{p.x}, double{p.y}, double{p.z});
+    }
+    if (triangulator_.run() == 0) return;
+    for (int t = 0; t < triangulator_.getCount(); ++t) {
+      const auto corner = [&](int i) {
+        return v[static_cast<std::size_t>(triangulator_.getPoint(t, i))];
+      };
+      addTriangle(corner(0), corner(1), corner(2));
+    }
+  }
+
+  FaceSet& set_;
+  const OctreeCoordSet& coordSet_;
+  Triangulator triangulator_;
+  bool hasQuadrangles_ = false;
+  bool hasTriangles_ = false;
+  std::vector<std::array<Vertex, 3>> triangles_;
+  std::vector<std::array<Vertex, 2>> segments_;
+};
+
+}  // namespace
+
+int FaceNode::verbose = 0;
+
+ShapeNode::Kind FaceNode::getKind() const { return {"face", "lod - 0 ", 1, verbose != 0}; }
+
+std::unique_ptr<ShapeSet> FaceNode::generateFaceSet() {
+  beginShapeSet();
+  const auto* list = getValue<FLong>(FIELD_coordIndex);
+  const std::span<const int> positions =
+      list != nullptr ? std::span(list->values) : std::span<int>();
+  OctreeCoordSet& coordSet = getCoordSet();
+  coordSet.beginShape(positions, isWithLevels());
+
+  VertexReader reader(*this, faceSources);
+  auto set = std::make_unique<FaceSet>(0, coordSet, reader.getAttributes(), state.vertexOrdering);
+  FaceCollector collector(*set, coordSet, positions);
+  int polygons = 0;
+  reader.forEachPolygon(positions, "polygon", [&](std::span<const Vertex> vertices) {
+    collector.add(vertices);
+    ++polygons;
+  });
+  collector.finish();
+  set->finish();
+  if (verbose != 0) {
+    message("face", "list=%d ", polygons);
+    printLevelStatistics(*set);
+  }
+  deleteFields();
+  return set;
+}
+
+void FaceNode::printLevelStatistics(const ShapeSet& set) const {
+  const auto& faces = static_cast<const FaceSet&>(set);
+  std::printf("set=%d (quad=%d tri=%d line=%d)\n", faces.setCount, faces.quadCount, faces.triCount,
+              faces.lineCount);
+}
+
+// Polygons and segments, when a level has both or neither, stand in a separator of their own.
+void FaceNode::printLevel(Output& out, int indent, const ShapeSet& set) {
+  const auto& faces = static_cast<const FaceSet&>(set);
+  const Node separator(NODE_Separator);
+  const bool hasSeparator = (faces.polygonCount > 0) == (faces.lineCount > 0);
+  if (hasSeparator) separator.printHead(out, indent);
+  const auto printPart = [&](NodeType partType, FaceSet::Mode mode) {
+    type = partType;
+    printHead(out, indent);
+    faces.print(out, indent, mode);
+    printTail(out, indent);
+    type = NODE_IndexedFaceSet;
+  };
+  if (faces.polygonCount > 0) printPart(NODE_IndexedFaceSet, FaceSet::polygons);
+  if (faces.lineCount > 0) printPart(NODE_IndexedLineSet, FaceSet::segments);
+  if (hasSeparator) separator.printTail(out, indent);
+}
+
+// All faces written are convex. Where that must be said, the other hints in force are repeated,
+// since a ShapeHints node sets them all.
+std::unique_ptr<Node> FaceNode::makeHints() const {
+  if (state.faceType != 0) return nullptr;
+  auto hints = std::make_unique<Node>(NODE_ShapeHints);
+  Node* inForce = state.shapeHintsNode;
+  const auto repeatWord = [&](FieldId field, EnumKind kind) {
+    if (const auto* word = inForce != nullptr ? inForce->getValue<FEnum>(field) : nullptr) {
+      hints->fields.emplace_back(field, std::make_unique<FEnum>(word->value, kind));
+    }
+  };
+  repeatWord(FIELD_vertexOrdering, KIND_vertexOrdering);
+  repeatWord(FIELD_shapeType, KIND_shapeType);
+  hints->fields.emplace_back(FIELD_faceType, std::make_unique<FEnum>(1, KIND_faceType));
+  if (const auto* angle =
+          inForce != nullptr ? inForce->getValue<FFloat>(FIELD_creaseAngle) : nullptr) {
+    hints->fields.emplace_back(FIELD_creaseAngle, std::make_unique<FFloat>(angle->values));
+  }
+  return hints;
+}
+
+}  // namespace varimesh

@@ -1,0 +1,41 @@
+// Small meshes for tests. The same arguments always give the same mesh.
+#ifndef VARIMESH_TESTS_MESHES_H_
+#define VARIMESH_TESTS_MESHES_H_
+
+#include <array>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace varimesh::meshes {
+
+using Point = std::array<float, 3>;
+using Random = std::mt19937;
+
+struct Mesh {
+  std::vector<Point> points;
+  std::vector<std::vector<int>> polygons;
+};
+
+// Like std::uniform_..._distribution, but the same with every standard library.
+double uniform(Random& random, double low, double high);
+int pick(Random& random, int n);  // 0 to n - 1
+
+// Triangles; quadrangles between the rings but at the poles with `quads`.
+Mesh sphere(int rings, int sectors, bool quads = false);
+// A square of n x n cells with hills: two triangles for each cell.
+Mesh terrain(int n, unsigned seed);
+// A square of n x n quadrangles. Its points are moved at random by at most `noise` cells on each
+// axis: 0 gives flat squares, 0.02 nearly flat ones, 0.5 bent and twisted ones.
+Mesh noisyGrid(int n, double noise, unsigned seed);
+// Triangles with a common corner.
+Mesh fan(int triangles);
+// Points anywhere in a cube, and polygons of two to four corners between any of them.
+Mesh soup(int points, int polygons, unsigned seed);
+
+// The mesh as a scene: its Coordinate3 and IndexedFaceSet (or IndexedLineSet, of the outlines).
+std::string toScene(const Mesh& mesh, bool lines = false);
+
+}  // namespace varimesh::meshes
+
+#endif  // VARIMESH_TESTS_MESHES_H_
