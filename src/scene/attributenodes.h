@@ -10,6 +10,7 @@
 #include "data/normal.h"
 #include "lod/octreecoordset.h"
 #include "scene/joinmode.h"
+#include "scene/lazy.h"
 #include "scene/node.h"
 #include "scene/state.h"
 
@@ -54,7 +55,7 @@ class AttributeNode : public Node {
 class CoordNode : public AttributeNode {
  public:
   static int verbose;
-  std::unique_ptr<OctreeCoordSet> coordSet = std::make_unique<OctreeCoordSet>();
+  Lazy<OctreeCoordSet> coordSet;
 
   using AttributeNode::AttributeNode;
   void setupDepends(State& state) override { state.coordNode = this; }
@@ -71,7 +72,7 @@ class CoordNode : public AttributeNode {
 class MaterialNode : public AttributeNode {
  public:
   static int verbose;
-  std::unique_ptr<MaterialSet> materialSet = std::make_unique<MaterialSet>();
+  Lazy<MaterialSet> materialSet;
 
   using AttributeNode::AttributeNode;
   void setupDepends(State& state) override { state.materialNode = this; }
@@ -91,7 +92,7 @@ class MaterialNode : public AttributeNode {
 class NormalNode : public AttributeNode {
  public:
   static int verbose;
-  std::unique_ptr<NormalSet> normalSet = std::make_unique<NormalSet>();
+  Lazy<NormalSet> normalSet;
 
   using AttributeNode::AttributeNode;
   void setupDepends(State& state) override { state.normalNode = this; }
@@ -108,7 +109,7 @@ class NormalNode : public AttributeNode {
 class TextureCoordNode : public AttributeNode {
  public:
   static int verbose;
-  std::unique_ptr<TextureCoordSet> textureCoordSet = std::make_unique<TextureCoordSet>();
+  Lazy<TextureCoordSet> textureCoordSet;
   State savedState;  // as it was behind this node when it was passed last
 
   using AttributeNode::AttributeNode;

@@ -5,35 +5,6 @@
 namespace varimesh {
 namespace {
 
-// An edge with its length.
-struct Edge {
-  Vec vector;
-  float length;
-
-  Edge(const Vec& from, const Vec& to) : vector(to - from), length(vector.getLength()) {}
-};
-
-Corner calcCorner(const Edge& incoming, const Edge& outgoing) {
-  const Vec& a = outgoing.vector;
-  const Vec& b = incoming.vector;
-  Corner corner;
-  const double product = double{outgoing.length} * incoming.length;
-  if (product != 0) {
-    const double cosine = dot(a, b) / product;
-    const double square = 1 - cosine * cosine;
-    corner.area = static_cast<float>(std::sqrt(square < 0 ? 0.0 : square) * product / 2);
-  }
-  const double x = double{a.y} * b.z - double{a.z} * b.y;
-  const double y = double{a.z} * b.x - double{a.x} * b.z;
-  const double z = double{a.x} * b.y - double{a.y} * b.x;
-  const double length = std::sqrt(x * x + y * y + z * z);
-  if (length != 0) {
-    corner.normal = {static_cast<float>(x / length), static_cast<float>(y / length),
-                     static_cast<float>(z / length)};
-  }
-  return corner;
-}
-
 // Whether the first n corners stand in a row within the m corners of another face, forward
 // (step 1) or backward (step -1), starting anywhere.
 bool isRun(const Corners& corners, int n, const Corners& other, int m, int step) {
@@ -56,6 +27,17 @@ bool isEquivOrSubsetOf(const Corners& corners, const Corners& other, int vertexO
   const int n = countCorners(corners);
   const int m = countCorners(other);
   if (n > m) return false;
+  if (n == 3 && m == 3) {
+    // The usual pair: find the first corner, then compare the other two.
+    for (unsigned k = 0; k < 3; ++k) {
+      if (other[k] != corners[0]) continue;
+      const CoordId next = other[(k + 1) % 3];
+      const CoordId before = other[(k + 2) % 3];
+      return (next == corners[1] && before == corners[2]) ||
+             (vertexOrdering == 0 && next == corners[2] && before == corners[1]);
+    }
+    return false;
+  }
   if (n == 2) {
     const auto isDiagonal = [&](unsigned k) {
       return m == 4 && corners[0] == other[k] && corners[1] == other[(k + 2) % 4];
@@ -97,31 +79,24 @@ Corners Face::getCorners() const {
   return {vertices[0].coord, vertices[1].coord, vertices[2].coord, vertices[3].coord};
 }
 
-std::array<Corner, 4> calcCorners(std::span<const Vec> points) {
-  const std::size_t n = points.size();
-  std::array<Corner, 4> corners;
-  Edge incoming(points[n - 1], points[0]);
-  for (std::size_t i = 0; i < n; ++i) {
-    const Edge outgoing(points[i], points[(i + 1) % n]);
-    corners[i] = calcCorner(incoming, outgoing);
-    incoming = outgoing;
+Quadrangle::Quadrangle(std::span<const Vec, 4> points) {
+  std::array<Edge, 4> edges;
+  for (std::size_t i = 0; i < 4; ++i) edges[i] = Edge(points[i], points[(i + 1) % 4]);
+  for (std::size_t i = 0; i < 4; ++i) {
+    areas[i] = calcCornerArea(edges[(i + 3) % 4], edges[i]);
+    normals[i] = calcCornerNormal(edges[(i + 3) % 4], edges[i]);
   }
-  for (std::size_t i = 0; i < n; ++i) {
-    if (corners[i].normal.isNullVector() != 0) corners[i].normal = corners[(i + 1) % n].normal;
+  for (std::size_t i = 0; i < 4; ++i) {
+    if (normals[i].isNullVector() != 0) normals[i] = normals[(i + 1) % 4];
   }
-  return corners;
-}
-
-Quadrangle::Quadrangle(std::span<const Vec, 4> points) : corners(calcCorners(points)) {
-  const double a = dot(corners[0].normal, corners[2].normal);
-  const double b = dot(corners[1].normal, corners[3].normal);
+  const double a = dot(normals[0], normals[2]);
+  const double b = dot(normals[1], normals[3]);
   diagonal = b > a ? 0 : 1;
   isIrregular = a < Face::splitCosinus || b < Face::splitCosinus;
 }
 
 double Quadrangle::getArea() const {
-  return diagonal == 1 ? double{corners[0].area} + corners[2].area
-                       : double{corners[1].area} + corners[3].area;
+  return diagonal == 1 ? double{areas[0]} + areas[2] : double{areas[1]} + areas[3];
 }
 
 }  // namespace varimesh

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <span>
 
 #include "lod/coord.h"
@@ -49,21 +50,43 @@ class Face {
   void removeVertex(int i);
 };
 
-// The triangle that a corner spans with its neighbours.
-struct Corner {
-  float area = 0;
-  Vec normal;  // of length 1, or null when the corner spans nothing
+// An edge with its length.
+struct Edge {
+  Vec vector;
+  float length = 0;
+
+  Edge() = default;
+  Edge(const Vec& from, const Vec& to) : vector(to - from), length(vector.getLength()) {}
 };
 
-// The corners of a face of three or four points. A null normal is replaced by that of the next
-// corner.
-std::array<Corner, 4> calcCorners(std::span<const Vec> points);
+// The area of the triangle that a corner spans with its neighbours.
+inline float calcCornerArea(const Edge& incoming, const Edge& outgoing) {
+  const double product = double{outgoing.length} * incoming.length;
+  if (product == 0) return 0;
+  const double cosine = dot(outgoing.vector, incoming.vector) / product;
+  const double square = 1 - cosine * cosine;
+  return static_cast<float>(std::sqrt(square < 0 ? 0.0 : square) * product / 2);
+}
+
+// The normal of a corner, of length 1; null when the corner spans nothing.
+inline Vec calcCornerNormal(const Edge& incoming, const Edge& outgoing) {
+  const Vec& a = outgoing.vector;
+  const Vec& b = incoming.vector;
+  const double x = double{a.y} * b.z - double{a.z} * b.y;
+  const double y = double{a.z} * b.x - double{a.x} * b.z;
+  const double z = double{a.x} * b.y - double{a.y} * b.x;
+  const double length = std::sqrt(x * x + y * y + z * z);
+  if (length == 0) return {};
+  return {static_cast<float>(x / length), static_cast<float>(y / length),
+          static_cast<float>(z / length)};
+}
 
 // How a quadrangle would be cut, and whether it must be.
 struct Quadrangle {
-  std::array<Corner, 4> corners;
-  int diagonal;      // 0: from corner 0 to corner 2; 1: from corner 1 to corner 3
-  bool isIrregular;  // not flat enough to stay a quadrangle
+  std::array<float, 4> areas;  // of the triangles that the corners span
+  std::array<Vec, 4> normals;  // of the corners; a null one is replaced by that of the next corner
+  int diagonal;                // 0: from corner 0 to corner 2; 1: from corner 1 to corner 3
+  bool isIrregular;            // not flat enough to stay a quadrangle
 
   explicit Quadrangle(std::span<const Vec, 4> points);
   // The sum of the areas of the two triangles of the cut.

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "scene/bindingnodes.h"
+#include "scene/lazy.h"
 #include "shapes/faceset.h"
 #include "shapes/vertexreader.h"
 #include "triangulate/triangulator.h"
@@ -75,15 +76,16 @@ class FaceCollector {
 
   // A polygon that cannot be triangulated is left out; the triangulator has said so.
   void addPolygon(std::span<const Vertex> v) {
-    triangulator_.reset();
+    Triangulator& triangulator = *triangulator_;
+    triangulator.reset();
     for (const Vertex& vertex : v) {
       const OctreeCoord& p = coordSet_.getOctreeCoord(vertex.coord);
-      triangulator_.addPoint(double{p.x}, double{p.y}, double{p.z});
+      triangulator.addPoint(double{p.x}, double{p.y}, double{p.z});
     }
-    if (triangulator_.run() == 0) return;
-    for (int t = 0; t < triangulator_.getCount(); ++t) {
+    if (triangulator.run() == 0) return;
+    for (int t = 0; t < triangulator.getCount(); ++t) {
       const auto corner = [&](int i) {
-        return v[static_cast<std::size_t>(triangulator_.getPoint(t, i))];
+        return v[static_cast<std::size_t>(triangulator.getPoint(t, i))];
       };
       addTriangle(corner(0), corner(1), corner(2));
     }
@@ -91,7 +93,7 @@ class FaceCollector {
 
   FaceSet& set_;
   const OctreeCoordSet& coordSet_;
-  Triangulator triangulator_;
+  Lazy<Triangulator> triangulator_;  // its tables are large, and most shapes have no use for it
   bool hasQuadrangles_ = false;
   bool hasTriangles_ = false;
   std::vector<std::array<Vertex, 3>> triangles_;

@@ -39,29 +39,34 @@ void FaceSet::insertQuadrangle(const Face& face) {
 }
 
 void FaceSet::insertIfNew(const Face& face) {
-  if (!insertOk(face)) return;
-  const auto shape = static_cast<ShapeId>(setCount);
-  faces_.push_back(face.getCorners());
+  if (face.count < 2 || (face.count == 2 && nolines != 0)) return;
+  const Corners corners = face.getCorners();
+  if (!insertOk(corners)) return;
+  append(corners);
   materials.append(face.vertices, &Vertex::material);
   normals.append(face.vertices, &Vertex::normal);
   textureCoords.append(face.vertices, &Vertex::textureCoord);
-  for (const CoordId coord : getCoords(shape)) coordSet.addShapeRef(coord, shape);
+}
+
+void FaceSet::append(const Corners& corners) {
+  const auto shape = static_cast<ShapeId>(setCount);
+  faces_.push_back(corners);
+  const int n = countCorners(corners);
+  for (unsigned i = 0; i < static_cast<unsigned>(n); ++i) coordSet.addShapeRef(corners[i], shape);
   ++setCount;
-  if (face.count == 2) {
+  if (n == 2) {
     ++lineCount;
   } else {
     ++polygonCount;
-    ++(face.count == 4 ? quadCount : triCount);
+    ++(n == 4 ? quadCount : triCount);
   }
 }
 
 // A face that contains all corners of the new one stands in the list of each of them, so the
 // shortest list decides.
-bool FaceSet::insertOk(const Face& face) const {
-  if (face.count < 2 || (face.count == 2 && nolines != 0)) return false;
-  const Corners corners = face.getCorners();
+bool FaceSet::insertOk(const Corners& corners) const {
   const OctreeCoord* least = &coordSet.getOctreeCoord(corners[0]);
-  for (unsigned i = 1; i < static_cast<unsigned>(face.count); ++i) {
+  for (unsigned i = 1; i < 4 && corners[i] != noCoord; ++i) {
     const OctreeCoord& coord = coordSet.getOctreeCoord(corners[i]);
     if (coord.shapeCount < least->shapeCount) least = &coord;
   }
@@ -85,7 +90,7 @@ std::unique_ptr<ShapeSet> FaceSet::generateNextLOD() {
       case 4: next->insert(createRepresent(shape)); break;
       case 3:
         if (quadCount == 0) {
-          next->insert(createRepresent(shape));
+          next->insertTriangle(*this, shape);
         } else {
           triangles.push_back(shape);
         }
@@ -100,13 +105,28 @@ std::unique_ptr<ShapeSet> FaceSet::generateNextLOD() {
   return next;
 }
 
+// A triangle whose corners keep apart stays as it is, on other points: the general road would copy
+// corner by corner and find nothing to leave out (a tenth of the time of making a level).
+void FaceSet::insertTriangle(const FaceSet& previous, ShapeId shape) {
+  const Corners& from = previous.faces_[shape];
+  const Corners corners = {coordSet.getRepresent(from[0]), coordSet.getRepresent(from[1]),
+                           coordSet.getRepresent(from[2]), noCoord};
+  if (!insertOk(corners)) return;
+  append(corners);
+  materials.append(previous.materials, shape);
+  normals.append(previous.normals, shape);
+  textureCoords.append(previous.textureCoords, shape);
+}
+
 // The number of corners less those whose representative is that of the next corner.
 int FaceSet::getVertexCountOfRepresent(ShapeId shape) const {
   const auto coords = getCoords(shape);
   int n = 0;
-  for (std::size_t i = 0; i < coords.size(); ++i) {
-    const CoordId next = coords[(i + 1) % coords.size()];
-    if (coordSet.getRepresent(coords[i]) != coordSet.getRepresent(next)) ++n;
+  CoordId before = coordSet.getRepresent(coords.back());
+  for (const CoordId coord : coords) {
+    const CoordId represent = coordSet.getRepresent(coord);
+    if (represent != before) ++n;
+    before = represent;
   }
   return n;
 }

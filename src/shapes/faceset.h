@@ -43,7 +43,10 @@ class FaceSet : public ShapeSet {
  private:
   void insertQuadrangle(const Face& face);
   void insertIfNew(const Face& face);
-  [[nodiscard]] bool insertOk(const Face& face) const;
+  void insertTriangle(const FaceSet& previous, ShapeId shape);
+  void append(const Corners& corners);
+  // Whether no face that is there already contains the new one.
+  [[nodiscard]] bool insertOk(const Corners& corners) const;
   [[nodiscard]] int getVertexCountOfRepresent(ShapeId shape) const;
   [[nodiscard]] Face createRepresent(ShapeId shape) const;
   [[nodiscard]] Vertex getVertex(ShapeId shape, unsigned corner) const;

@@ -139,6 +139,9 @@ void ShapeNode::beginShapeSet() {
 }
 
 void ShapeNode::generateLODs(Levels& levels) const {
+  // Progress is shown at once where there is something to wait for. A million small shapes would
+  // spend a third of their time in showing it.
+  constexpr int largeSet = 1000;
   OctreeCoordSet& coordSet = getCoordSet();
   const Kind kind = getKind();
   coordSet.resetLODs();
@@ -159,7 +162,7 @@ void ShapeNode::generateLODs(Levels& levels) const {
       printLevelStatistics(*levels.back());
     } else {
       std::printf("%d ", coordSet.getCurrentLOD());
-      std::fflush(stdout);
+      if (set.setCount >= largeSet) std::fflush(stdout);
     }
   }
   if (!kind.isVerbose) std::printf("\n");

@@ -41,6 +41,13 @@ class AttributeList {
     if (per_ == Per::none) return;
     for (unsigned i = 0; i < stride_; ++i) numbers_.push_back(vertices[i].*attribute);
   }
+  // Takes over what another list has for a shape with the same corners.
+  void append(const AttributeList& other, ShapeId shape) {
+    if (per_ == Per::none) return;
+    const auto first =
+        other.numbers_.begin() + static_cast<std::ptrdiff_t>(std::size_t{shape} * stride_);
+    numbers_.insert(numbers_.end(), first, first + static_cast<std::ptrdiff_t>(stride_));
+  }
   [[nodiscard]] int get(ShapeId shape, unsigned corner) const {
     if (per_ == Per::none) return noIndex;
     return numbers_[std::size_t{shape} * stride_ + (per_ == Per::corner ? corner : 0)];

@@ -7,11 +7,6 @@
 namespace varimesh {
 namespace {
 
-void enlarge(float& low, float& high, float value) {
-  if (value < low) low = value;
-  if (value > high) high = value;
-}
-
 // Narrows a bound of the cube; the largest finite single is the end of the world.
 float narrow(double value) {
   constexpr double largest = std::numeric_limits<float>::max();
@@ -34,12 +29,6 @@ void Bounds::setTo(float lowX, float lowY, float lowZ, float highX, float highY,
   maxY = highY;
   minZ = lowZ;
   maxZ = highZ;
-}
-
-void Bounds::enlargeIfOutside(float x, float y, float z) {
-  enlarge(minX, maxX, x);
-  enlarge(minY, maxY, y);
-  enlarge(minZ, maxZ, z);
 }
 
 void Bounds::makeCubic() {

@@ -24,7 +24,11 @@ struct Bounds {
   void setTo(float lowX, float lowY, float lowZ, float highX, float highY, float highZ);
   // Widens the box to contain the point. Both sides are tested on every axis, so that a box that
   // starts inverted takes its first point as minimum and as maximum.
-  void enlargeIfOutside(float x, float y, float z);
+  void enlargeIfOutside(float x, float y, float z) {
+    enlarge(minX, maxX, x);
+    enlarge(minY, maxY, y);
+    enlarge(minZ, maxZ, z);
+  }
   // Widens the shorter axes about their centres until the box is a cube. The box only grows.
   void makeCubic();
   // The longest of the three edges.
@@ -33,6 +37,12 @@ struct Bounds {
   [[nodiscard]] Vec getMiddle() const;
   // The length of the space diagonal.
   [[nodiscard]] float getDiagonal() const;
+
+ private:
+  static void enlarge(float& low, float& high, float value) {
+    if (value < low) low = value;
+    if (value > high) high = value;
+  }
 };
 
 }  // namespace varimesh
