@@ -5,22 +5,13 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <memory>
 #include <string>
 #include <utility>
-#include <vector>
 
-#include "driver/texts.h"
-#include "lod/coordset.h"
+#include "driver/scene.h"
 #include "reader/parser.h"
 #include "reader/scanner.h"
-#include "scene/attributenodes.h"
-#include "scene/bindingnodes.h"
-#include "scene/groupnodes.h"
-#include "scene/node.h"
-#include "scene/state.h"
-#include "values/output.h"
 
 namespace varimesh {
 
@@ -86,85 +77,12 @@ NodeList parse(std::FILE* input) {
   return std::move(yacc_tree);
 }
 
-// For a node that the program makes.
-NodeInit made(NodeType type, int line) {
-  NodeInit init;
-  init.type = type;
-  init.firstLine = init.lastLine = line;
-  return init;
-}
-
-std::unique_ptr<Node> makeHeader() {
-  const std::time_t now = std::time(nullptr);
-  std::vector<std::string> text{texts::header(std::ctime(&now))};
-  NodeInit init = made(NODE_Info, 0);
-  init.fields.emplace_back(FIELD_string, std::make_unique<FString>(std::move(text)));
-  return std::make_unique<Node>(std::move(init));
-}
-
-// Puts the header node first: into the group that holds the whole scene, or, when there is none,
-// into a new separator round the scene. Other grouping nodes give their first child a meaning.
-void insertHeader(NodeList& tree) {
-  GroupNode* const top = tree.size() == 1 ? tree.front()->asGroup() : nullptr;
-  if (top != nullptr && (top->type == NODE_Group || top->type == NODE_Separator ||
-                         top->type == NODE_TransformSeparator)) {
-    top->children.insert(top->children.begin(), makeHeader());
-    return;
-  }
-  tree.insert(tree.begin(), makeHeader());
-  auto separator =
-      std::make_unique<SeparatorNode>(made(NODE_Separator, 0), std::exchange(tree, {}));
-  tree.push_back(std::move(separator));
-}
-
-// The attribute nodes in force where a scene has set none. Shapes refer to them until the end.
-struct DefaultNodes {
-  CoordNode coord{made(NODE_Coordinate3, -1)};
-  MaterialNode material{made(NODE_Material, -1)};
-  NormalNode normal{made(NODE_Normal, -1)};
-  TextureCoordNode textureCoord{made(NODE_TextureCoordinate2, -1)};
-  TextureNode texture{made(NODE_Texture2, -1)};
-};
-
-void resolveDependencies(Node& root, DefaultNodes& defaults) {
-  announce("dependencies ...\n");
-  State state;
-  state.coordNode = &defaults.coord;
-  state.materialNode = &defaults.material;
-  state.normalNode = &defaults.normal;
-  state.textureCoordNode = &defaults.textureCoord;
-  state.textureNode = &defaults.texture;
-  root.setupDepends(state);
-}
-
-void searchCamera(Node& root) {
-  announce("searching for a camera ...\n");
-  Node* camera = nullptr;
-  root.setupCamera(camera);
-  if (camera == nullptr) return;
-  if (const auto* angle = camera->getValue<FFloat>(FIELD_heightAngle)) {
-    CoordSet::cameraHeightAngle = angle->values.front();
-  }
-}
-
-void join(RootNode& root) {
-  announce("joining ...");
-  root.join();
-  std::printf(" %d Nodes removed.\n", Node::removedcount);
-}
-
-void listTree(Node& root) {
-  Output listing(stdout);
-  root.printTree(listing, 0);
-  listing.put('\n');
-}
-
-// Writes the tree, making the levels of detail on the way, and closes the file.
-void write(Node& root, File file, const std::string& name) {
+// Writes the scene and closes the file; a disk may be full until the very end.
+void write(Scene& scene, File file, const std::string& name) {
   announce("writing ...\n");
   {
     Output output(file.get());
-    root.print(output, 0);
+    scene.print(output);
     if (!output.flush()) fail("write", name);
   }
   if (std::fclose(file.release()) != 0) fail("write", name);
@@ -176,22 +94,26 @@ void run(const RunSettings& settings) {
   const File input = openInput(settings.inputName);
   File output = createOutput(settings.outputName, input.get());
 
-  NodeList tree = parse(input.get());
-  insertHeader(tree);
-  // The process is about to end when the tree has been written: taking apart what may be millions
-  // of nodes and values would only cost time. So the root stays reachable, and is never destroyed.
-  static RootNode* root = nullptr;
-  root = std::make_unique<RootNode>("#VRML V1.0 ascii", std::move(tree)).release();
-
-  DefaultNodes defaults;
-  resolveDependencies(*root, defaults);
-  if (settings.searchCamera) searchCamera(*root);
-  if (settings.join) join(*root);
+  auto scene = std::make_unique<Scene>(parse(input.get()));
+  announce("dependencies ...\n");
+  scene->resolveDependencies();
+  if (settings.searchCamera) {
+    announce("searching for a camera ...\n");
+    scene->searchCamera();
+  }
+  if (settings.join) {
+    announce("joining ...");
+    std::printf(" %d Nodes removed.\n", scene->join());
+  }
   Node::verbosejoin = 0;  // from here on nodes go without a word
-  if (settings.printTree) listTree(*root);
-  write(*root, std::move(output), settings.outputName);
-
+  if (settings.printTree) scene->printTree();
+  write(*scene, std::move(output), settings.outputName);
   std::printf("success. (%s)\n", settings.outputName.c_str());
+
+  // The process is about to end: taking apart what may be millions of nodes and values would only
+  // cost time. So the scene stays reachable, and is never destroyed.
+  [[maybe_unused]] static Scene* kept = nullptr;
+  kept = scene.release();
 }
 
 void outOfMemory() {
