@@ -83,7 +83,8 @@ Mesh terrain(int n, unsigned seed) {
     for (int x = 0; x <= n; ++x) {
       double z = 0;
       for (const Hill& h : hills) {
-        z += h.height * std::exp(-(std::pow(x - h.x, 2) + std::pow(y - h.y, 2)) / h.width / h.width);
+        z +=
+            h.height * std::exp(-(std::pow(x - h.x, 2) + std::pow(y - h.y, 2)) / h.width / h.width);
       }
       mesh.points.push_back(toPoint(x, y, z));
     }

@@ -1,6 +1,5 @@
 // Small meshes for tests. The same arguments always give the same mesh.
-#ifndef VARIMESH_TESTS_MESHES_H_
-#define VARIMESH_TESTS_MESHES_H_
+#pragma once
 
 #include <array>
 #include <random>
@@ -37,5 +36,3 @@ Mesh soup(int points, int polygons, unsigned seed);
 std::string toScene(const Mesh& mesh, bool lines = false);
 
 }  // namespace varimesh::meshes
-
-#endif  // VARIMESH_TESTS_MESHES_H_

@@ -1,23 +1,22 @@
-#ifndef VARIMESH_TESTS_PLAIN_LEVELS_H_
-#define VARIMESH_TESTS_PLAIN_LEVELS_H_
+// The rules of the level generator in their plainest form: a tree of pointers, one collapse per
+// descent, full walks for every count. Slow and easy to check; the real code must give the same
+// levels.
+#pragma once
 
 #include <array>
 #include <vector>
 
-// The rules of the level generator in their plainest form: a tree of pointers, one collapse per descent,
-// full walks for every count. Slow and easy to check; the real code must give the same levels.
 namespace varimesh::plain {
 
 using Point = std::array<float, 3>;
 
-// A corner of a shape: a position in the list of points (in a result: the written index of the point that
-// stands there) and the numbers of its attributes, -1 where it has none.
+// A corner of a shape: a position in the list of points (in a result: the written index of the
+// point that stands there) and the numbers of its attributes, -1 where it has none.
 struct Corner {
   int point = -1;
   int material = -1;
   int normal = -1;
   int texture = -1;
-  bool operator==(const Corner&) const = default;
 };
 using Outline = std::vector<Corner>;
 
@@ -40,30 +39,20 @@ struct Input {
 
 struct Level {
   std::vector<Outline> shapes;
-  int setCount = 0;
-  int polygonCount = 0;
-  int lineCount = 0;
-  int triCount = 0;
-  int quadCount = 0;
-  int used = 0;  // points that the level's shapes use
-  int depth = 0;  // of the octree of used points, when the level's cells had just been collapsed
+  int used = 0;  // points that they use
   float range = 0;
   Point center{};
   float sphere = 0;
-  bool operator==(const Level&) const = default;
 };
 using Levels = std::vector<Level>;
 
 struct Result {
-  int count = 0;  // distinct points
-  int cellCount = 0;
+  int count = 0;               // distinct points
   std::vector<Levels> shapes;  // for each input, in order
-  bool operator==(const Result&) const = default;
 };
 
-// The shapes one after another on one set of points.
-Result generate(const std::vector<Point>& points, const std::vector<Input>& inputs, const Rules& rules);
+// The levels of shapes that use one set of points after one another.
+Result generate(const std::vector<Point>& points, const std::vector<Input>& inputs,
+                const Rules& rules);
 
 }  // namespace varimesh::plain
-
-#endif  // VARIMESH_TESTS_PLAIN_LEVELS_H_

@@ -1,0 +1,430 @@
+// The levels of detail: against the plain form of the rules, and what holds for every level.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "geometry_run.h"
+#include "meshes.h"
+
+namespace varimesh {
+namespace {
+
+using meshes::Mesh;
+using meshes::pick;
+using meshes::Random;
+using meshes::uniform;
+using plain::Corner;
+using plain::Input;
+using plain::Outline;
+using plain::Point;
+
+struct Case {
+  std::vector<Point> points;
+  std::vector<Input> inputs;
+  std::vector<ShapeAttributes> attributes;  // beside inputs
+  plain::Rules rules;
+};
+
+template <class T, std::size_t n>
+T oneOf(Random& random, const std::array<T, n>& values) {
+  return values[static_cast<std::size_t>(pick(random, static_cast<int>(n)))];
+}
+
+std::vector<Point> makePoints(Random& random, int n) {
+  const int kind = pick(random, 9);
+  const int side = 2 + pick(random, 5);
+  const auto coordinate = [&](int axis) -> double {
+    switch (kind) {
+      case 0: return uniform(random, -1, 1);
+      case 1: return pick(random, side);                                       // many ties
+      case 2: return pick(random, 3) + uniform(random, -1, 1) * 1e-4;          // clusters
+      case 3: return axis == 2 ? 0 : pick(random, 2 * side);                   // a plane
+      case 4: return 1 + std::ldexp(pick(random, 4), -23);                     // neighbours
+      case 5: return std::ldexp(pick(random, 2) ? 1 : -1, -pick(random, 20));  // deep cells
+      case 6: return std::ldexp(pick(random, 8), -149);                        // denormals
+      case 7: return 1e6 + pick(random, 100) * 0.125;                          // far off
+      default: return axis == 0 ? uniform(random, 0, 1) : 0;                   // a line
+    }
+  };
+  std::vector<Point> points(static_cast<std::size_t>(n));
+  for (Point& p : points) {
+    for (int axis = 0; axis < 3; ++axis) {
+      p[static_cast<std::size_t>(axis)] = static_cast<float>(coordinate(axis));
+    }
+  }
+  for (int i = pick(random, 4) == 0 ? n / 4 : 0; i > 0; --i) {
+    Point& copy = points[static_cast<std::size_t>(pick(random, n))];
+    copy = points[static_cast<std::size_t>(pick(random, n))];
+    for (float& x : copy) x = x == 0 ? -x : x;
+  }
+  return points;
+}
+
+// Polygons between points anywhere, or close to each other in the list, some of them again, turned
+// round, reversed or cut short.
+Mesh makeMesh(Random& random) {
+  static constexpr std::array noises = {0.0, 0.02, 0.1, 0.5};
+  static constexpr std::array sizes = {8, 8, 8, 60, 60, 400};
+  const int kind = pick(random, 12);
+  const int size = 1 + pick(random, pick(random, 8) == 0 ? 20 : 6);
+  const int count = 3 + pick(random, 15);
+  const double noise = oneOf(random, noises);
+  const auto seed = static_cast<unsigned>(pick(random, 1000));
+  switch (kind) {
+    case 0: return meshes::noisyGrid(size, noise, seed);
+    case 1: return meshes::sphere(1 + size, 3 + size, seed % 2 == 0);
+    case 2: return meshes::fan(count);
+    case 3: return meshes::terrain(size, seed);
+    case 4: return meshes::soup(count, 3 * size, seed);
+    default: break;
+  }
+  Mesh mesh;
+  const int n = 2 + pick(random, oneOf(random, sizes));
+  mesh.points = makePoints(random, n);
+  const bool near = pick(random, 2) == 0;
+  for (int i = 1 + pick(random, n); i > 0; --i) {
+    std::vector<int> polygon;
+    const int first = pick(random, n);
+    for (int corners = 2 + pick(random, 3); corners > 0; --corners) {
+      polygon.push_back(near ? (first + pick(random, 5)) % n : pick(random, n));
+    }
+    mesh.polygons.push_back(polygon);
+    if (pick(random, 4) != 0) continue;
+    std::rotate(polygon.begin(), polygon.begin() + 1, polygon.end());
+    if (pick(random, 2) == 0) std::reverse(polygon.begin(), polygon.end());
+    if (pick(random, 2) == 0 && polygon.size() > 2) polygon.pop_back();
+    mesh.polygons.push_back(polygon);
+  }
+  return mesh;
+}
+
+Case makeCase(unsigned seed) {
+  static constexpr std::array<std::array<float, 3>, 9> weights = {{{8, 1, 0},
+                                                                   {1, 0, 0},
+                                                                   {0, 1, 0},
+                                                                   {0, 0, 1},
+                                                                   {1, 1, 1},
+                                                                   {0, 0, 0},
+                                                                   {-1, -1, -1},
+                                                                   {0.3F, 0, 2},
+                                                                   {-1, 1, 0}}};
+  static constexpr std::array<float, 8> minDiffs = {0.2F, 0.2F, 0.01F, 0.1F, 0.5F, 0.9F, 0, -0.3F};
+  static constexpr std::array<float, 5> cosines = {0.98480773F, 0.98480773F, 0.5F, 1, -1};
+  static constexpr std::array shares = {3, 30, 60, 100};  // percent
+  static constexpr std::array bindings = {OVERALL, PER_FACE_INDEXED, PER_VERTEX_INDEXED};
+  Random random(seed);
+  Case result;
+  result.rules.weights = oneOf(random, weights);
+  result.rules.minDiff = oneOf(random, minDiffs);
+  result.rules.splitCosinus = oneOf(random, cosines);
+  result.rules.nolines = pick(random, 5) == 0;
+  result.rules.noquads = pick(random, 5) == 0;
+  if (pick(random, 5) == 0) result.rules.errorRange = 7;
+  if (pick(random, 5) == 0) result.rules.cameraHeightAngle = 1.5F;
+
+  const Mesh mesh = makeMesh(random);
+  result.points = mesh.points;
+  for (int shapes = 1 + pick(random, 3); shapes > 0; --shapes) {
+    Input input;
+    input.shapeType = 1 + (pick(random, 4) == 0 ? 1 : 0);
+    input.vertexOrdering = pick(random, 3);
+    ShapeAttributes attributes;
+    attributes.materialBinding = oneOf(random, bindings);
+    attributes.normalBinding = oneOf(random, bindings);
+    attributes.hasMaterials = attributes.materialBinding != OVERALL;
+    attributes.hasNormals = attributes.normalBinding != OVERALL;
+    attributes.hasTextureCoords = pick(random, 2) == 0;
+    const int share = oneOf(random, shares);  // the other polygons' points may stay unused
+    for (const auto& polygon : mesh.polygons) {
+      if (pick(random, 100) >= share) continue;
+      Outline outline;
+      const auto number = [&](bool isThere, int binding, int Corner::*member) {
+        if (!isThere) return -1;
+        const bool repeat = binding == PER_FACE_INDEXED && !outline.empty();
+        return repeat ? outline.front().*member : pick(random, 10);
+      };
+      for (const int point : polygon) {
+        outline.push_back(
+            {point, number(attributes.hasMaterials, attributes.materialBinding, &Corner::material),
+             number(attributes.hasNormals, attributes.normalBinding, &Corner::normal),
+             number(attributes.hasTextureCoords, PER_VERTEX_INDEXED, &Corner::texture)});
+      }
+      if (input.shapeType == 1) {
+        input.outlines.push_back(outline);
+        continue;
+      }
+      for (std::size_t i = 0; i + 1 < outline.size(); ++i) {
+        input.outlines.push_back({outline[i], outline[i + 1]});
+      }
+    }
+    result.inputs.push_back(input);
+    result.attributes.push_back(attributes);
+  }
+  return result;
+}
+
+// The points and outlines of a case that failed.
+std::string toString(const Case& c) {
+  std::string text;
+  for (const Point& p : c.points) {
+    for (const float x : p) text += std::to_string(x) + " ";
+    text += "\n";
+  }
+  for (const Input& input : c.inputs) {
+    text += "shape of type " + std::to_string(input.shapeType) + ":";
+    for (const Outline& outline : input.outlines) {
+      text += " (";
+      for (const Corner& corner : outline) text += " " + std::to_string(corner.point);
+      text += " )";
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+void compareWithPlainLevels(const Case& c) {
+  const RulesInForce rules(c.rules);
+  const plain::Result expected = plain::generate(c.points, c.inputs, c.rules);
+  const auto set = makeCoordSet(c.points);
+  ASSERT_EQ(set->count, expected.count);
+  for (std::size_t i = 0; i < c.inputs.size(); ++i) {
+    const plain::Levels& levels = expected.shapes[i];
+    const LevelRun run = runLevels(*set, c.inputs[i], c.attributes[i]);
+    const std::size_t common = std::min(run.levels.size(), levels.size());
+    for (std::size_t k = 0; k < common; ++k) {
+      ASSERT_EQ(describe(*run.levels[k], run.used[k]),
+                describe(levels[k], c.inputs[i].shapeType, c.attributes[i]))
+          << "level " << k << " of shape " << i;
+    }
+    ASSERT_EQ(run.levels.size(), levels.size()) << "shape " << i;
+    ASSERT_EQ(set->count, expected.count);
+  }
+}
+
+TEST(Levels, AreThoseOfThePlainRules) {
+  for (unsigned seed = 0; seed < 4000; ++seed) {
+    const Case c = makeCase(seed);
+    compareWithPlainLevels(c);
+    if (HasFatalFailure()) {
+      const bool isSmall = c.points.size() < 40;
+      FAIL() << "seed " << seed << ", " << c.points.size() << " points\n"
+             << (isSmall ? toString(c) : "");
+    }
+  }
+}
+
+// The numbers of a printed index list, one group for each -1.
+std::vector<std::vector<int>> parseList(const std::string& text) {
+  std::vector<std::vector<int>> groups(1);
+  std::istringstream in(text.substr(text.find('[') + 1));
+  char comma = 0;
+  for (int number = 0; in >> number; in >> comma) {
+    if (number == -1) {
+      groups.emplace_back();
+    } else {
+      groups.back().push_back(number);
+    }
+  }
+  groups.pop_back();
+  return groups;
+}
+
+// With an unknown vertex ordering triangles with the same corners are the same. (Quadrangles may be
+// joined in another order, and a triangle within a quadrangle may come first.)
+void expectNothingTwice(const std::vector<std::vector<int>>& polygons) {
+  std::map<int, std::vector<std::set<int>>> seen;  // by each of the corners
+  for (const auto& polygon : polygons) {
+    const std::set<int> corners(polygon.begin(), polygon.end());
+    EXPECT_EQ(corners.size(), polygon.size());
+    for (const auto& other : seen[polygon[0]]) {
+      if (corners.size() < 4) {
+        EXPECT_NE(other, corners);
+      }
+    }
+    for (const int corner : polygon) seen[corner].push_back(corners);
+  }
+}
+
+Input toInput(const Mesh& mesh) {
+  Input input;
+  for (const auto& polygon : mesh.polygons) {
+    Outline outline;
+    for (const int point : polygon) outline.push_back({point});
+    input.outlines.push_back(outline);
+  }
+  return input;
+}
+
+// Follows every point of a mesh through its levels. `reach`, in diagonals of the cells that the
+// range of a level speaks of, is how far from its place a point may come to stand.
+void checkLevels(const Mesh& mesh, double reach) {
+  const auto set = makeCoordSet(mesh.points);
+  const double factor = 2 * std::tan(0.785398 / 2) * 0.02;
+  std::vector<Vec> places;
+  std::vector<CoordId> standIns;
+  const auto follow = [&] {
+    for (std::size_t i = 0; i < standIns.size(); ++i) {
+      standIns[i] = set->getRepresent(standIns[i]);
+      if (standIns[i] == noCoord) continue;  // no face had it in the end
+      const Vec moved = set->getOctreeCoord(standIns[i]).getPosition() - places[i];
+      EXPECT_LE(moved.getLength(), reach * set->getRange() * factor * 1.00001);
+    }
+  };
+  std::vector<int> positions;
+  for (const auto& polygon : mesh.polygons) {
+    positions.insert(positions.end(), polygon.begin(), polygon.end());
+  }
+  set->beginShape(positions, true);
+  for (const OctreeCoord& coord : set->getOctreeCoords()) {
+    standIns.push_back(static_cast<CoordId>(standIns.size()));
+    places.push_back(coord.getPosition());
+  }
+  const LevelRun run = runLevels(*set, toInput(mesh), {}, follow);
+
+  EXPECT_GT(run.levels.size(), 3U);
+  std::set<int> before(positions.begin(), positions.end());
+  for (std::size_t k = 0; k < run.levels.size(); ++k) {
+    SCOPED_TRACE(k);
+    const auto& faces = dynamic_cast<const FaceSet&>(*run.levels[k]);
+    const auto list = [&](FaceSet::Mode mode) {
+      return parseList(catchOutput([&](Output& out) { faces.print(out, 0, mode); }));
+    };
+    const auto polygons = list(FaceSet::polygons);
+    const auto segments = list(FaceSet::segments);
+    expectNothingTwice(polygons);
+    expectNothingTwice(segments);
+    std::set<int> points;
+    for (const auto& polygon : polygons) points.insert(polygon.begin(), polygon.end());
+    for (const auto& segment : segments) points.insert(segment.begin(), segment.end());
+    EXPECT_EQ(static_cast<int>(points.size()), run.used[k]);
+    EXPECT_TRUE(std::includes(before.begin(), before.end(), points.begin(), points.end()));
+    if (k > 0 && CoordSet::minDiff > 0) {
+      EXPECT_LT(run.used[k], run.used[k - 1]);
+      EXPECT_LE(run.used[k], (1 - double{CoordSet::minDiff}) * run.used[k - 1] + 1);
+    }
+    if (k > 1) {
+      EXPECT_GT(run.levels[k - 1]->range, run.levels[k - 2]->range);
+    }
+    before = points;
+  }
+}
+
+TEST(Levels, UseFewerPointsThatStayInTheirCells) {
+  const std::array shapes = {meshes::sphere(10, 16),         meshes::sphere(10, 16, true),
+                             meshes::terrain(16, 1),         meshes::noisyGrid(12, 0, 2),
+                             meshes::noisyGrid(12, 0.02, 3), meshes::noisyGrid(12, 0.4, 4),
+                             meshes::soup(200, 400, 5)};
+  for (std::size_t i = 0; i < shapes.size(); ++i) {
+    SCOPED_TRACE(i);
+    checkLevels(shapes[i], 2);
+    plain::Rules wholeLayers;
+    wholeLayers.minDiff = -1;
+    const RulesInForce rules(wholeLayers);
+    checkLevels(shapes[i], 1);
+  }
+}
+
+Case makeLineCase(const std::vector<float>& places) {
+  Case c;
+  c.inputs.emplace_back();
+  c.inputs[0].shapeType = 2;
+  c.attributes.emplace_back();
+  for (const float x : places) {
+    c.points.push_back({x, 0, 0});
+    const int i = static_cast<int>(c.points.size());
+    if (i > 1) c.inputs[0].outlines.push_back({{i - 2}, {i - 1}});
+  }
+  return c;
+}
+
+// Two layers of cells have to go, but of the second only one cell: 12 keeps its depth, and so does
+// the range.
+//   1-2 ......... 9 ... 12
+TEST(Levels, EndWithinALayer) {
+  Case c = makeLineCase({2, 1, 9, 12});
+  c.rules.minDiff = 0.2F;
+  compareWithPlainLevels(c);
+}
+
+TEST(Levels, RangeFollowsFromTheCellSize) {
+  // 0 and 2 share a quarter of the box; when it has collapsed, the octree of used points has
+  // depth 3.
+  const Case c = makeLineCase({0, 2, 10});
+  const auto set = makeCoordSet(c.points);
+  const LevelRun run = runLevels(*set, c.inputs[0]);
+  ASSERT_EQ(run.levels.size(), 3U);
+  EXPECT_NEAR(run.levels[0]->range, 261.355, 0.01);
+  EXPECT_NEAR(run.levels[1]->range, 4 * 261.355, 0.04);
+  EXPECT_EQ(run.levels[2]->range, 0);
+  EXPECT_EQ(OctreeCoordSet().getRange(), 0);
+
+  const auto rangeWith = [&](float angle, float error) {
+    CoordSet::cameraHeightAngle = angle;
+    CoordSet::errorRange = error;
+    return set->getRange();
+  };
+  const auto failed = testing::ExitedWithCode(1);
+  EXPECT_EXIT(rangeWith(0, 2), failed, "error: illegal cameraheightangle >0.000000<\n");
+  EXPECT_EXIT(rangeWith(1, 1e-45F), failed,
+              "error: can't calculate lod-rangefactor\n"
+              "       with heightAngle >1.000000< and errorrange >0.000000<\n");
+}
+
+// Points that a careless octree would not separate, or whose sums and squares overflow.
+TEST(Octree, TakesPointsFromTheEndsOfTheNumbers) {
+  using Limits = std::numeric_limits<float>;
+  const float big = Limits::max();
+  const float least = Limits::denorm_min();
+  const float next = std::nextafter(1.0F, 2.0F);
+  const float before = std::nextafter(1.0F, 0.0F);
+  const std::vector<std::vector<float>> lists = {
+      {before, 1, next},
+      {big, -big, std::nextafter(big, 0.0F), -std::nextafter(big, 0.0F)},
+      {big, std::nextafter(big, 0.0F)},
+      {0, least, 2 * least, -least, -3 * least},
+      {big, 0, least, 2 * least, 1, next}};
+  for (const auto& list : lists) {
+    SCOPED_TRACE(list[0]);
+    std::vector<Point> points;
+    for (const float x : list) {
+      for (const float y : list) points.push_back({x, y, list[points.size() % list.size()]});
+    }
+    const auto set = makeCoordSet(points);
+    EXPECT_EQ(set->count, static_cast<int>(points.size()));
+    for (const int shapeType : {1, 2}) {
+      Input input;
+      input.shapeType = shapeType;
+      const int n = static_cast<int>(points.size());
+      for (int i = 0; i < n; ++i) {
+        input.outlines.push_back({{i}, {(i + 1) % n}});
+        if (shapeType == 1) input.outlines.back().push_back({(i + 3) % n});
+      }
+      const LevelRun run = runLevels(*set, input);
+      EXPECT_LE(run.used.back(), 1);
+      EXPECT_LT(run.levels.size(), 300U);
+      for (const auto& level : run.levels) {
+        EXPECT_TRUE(std::isfinite(level->range) && std::isfinite(level->getSphere()));
+      }
+    }
+  }
+}
+
+TEST(Octree, MergesEqualPoints) {
+  OctreeCoordSet set;
+  EXPECT_EQ(set.insert(Coord(0, 1, -0.0F)), set.insert(Coord(-0.0F, 1, 0)));
+  EXPECT_EQ(set.count, 1);
+  for (int i = 0; i < 1000000; ++i) set.insert(Coord(1, 2, 3));
+  EXPECT_EQ(set.count, 2);
+  EXPECT_EQ(set.getMaxIndex(), 1000001);
+  EXPECT_EQ(set.getIndex(1000001), 1U);
+}
+
+}  // namespace
+}  // namespace varimesh

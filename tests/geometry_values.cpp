@@ -1,0 +1,229 @@
+// Vectors, matrices, boxes, transformations, and the numbering of records.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "data/material.h"
+#include "data/normal.h"
+#include "geometry_run.h"
+#include "meshes.h"
+#include "scene/state.h"
+#include "scene/transformnodes.h"
+
+namespace varimesh {
+namespace {
+
+constexpr float kLargest = std::numeric_limits<float>::max();
+
+TEST(Vec, KeepsItsPrecision) {
+  EXPECT_EQ(Vec(3, 4, 0).getLength(), 5);
+  EXPECT_EQ(Vec(3e30F, 4e30F, 0).getLength(), 5e30F);  // the squares exceed single precision
+  EXPECT_EQ(Vec(3e-30F, 4e-30F, 0).getLength(), 5e-30F);
+  EXPECT_EQ(dot(Vec(1e30F, 1, 0), Vec(1e30F, 1, 0)), double{1e30F} * 1e30F + 1);
+  EXPECT_EQ(Vec(0, -0.0F, 0).isNullVector(), 1);
+  EXPECT_EQ(Vec(0, 0, std::numeric_limits<float>::denorm_min()).isNullVector(), 0);
+  EXPECT_EQ(Vec(0, std::nanf(""), 0).isNullVector(), 0);
+}
+
+TEST(Bounds, BecomeACube) {
+  Bounds box(0, 0, 0, 4, 2, 2);
+  box.makeCubic();
+  EXPECT_EQ(box.minX, 0);
+  EXPECT_EQ(box.maxX, 4);
+  EXPECT_EQ(box.minY, -1);
+  EXPECT_EQ(box.maxZ, 3);
+  EXPECT_EQ(box.getMaxElongation(), 4);
+
+  // Never smaller, whatever is lost in rounding, and never beyond the numbers that there are.
+  meshes::Random random(1);
+  for (int i = 0; i < 10000; ++i) {
+    Bounds grown(1, 1, 1, -1, -1, -1);  // inverted: takes its first point on both sides
+    for (int k = 0; k < 2; ++k) {
+      const double scale = std::ldexp(1, meshes::pick(random, 250) - 125);
+      const auto x = static_cast<float>(meshes::uniform(random, -8, 8) * scale);
+      grown.enlargeIfOutside(x, i % 3 == 0 ? kLargest : 1 / (x + 1), i % 2 == 0 ? x : -kLargest);
+    }
+    const Bounds old = grown;
+    grown.makeCubic();
+    EXPECT_TRUE(grown.minX <= old.minX && grown.minY <= old.minY && grown.minZ <= old.minZ);
+    EXPECT_TRUE(grown.maxX >= old.maxX && grown.maxY >= old.maxY && grown.maxZ >= old.maxZ);
+    EXPECT_TRUE(std::isfinite(grown.maxX - 1) && std::isfinite(grown.getMaxElongation()));
+    EXPECT_TRUE(std::isfinite(grown.getDiagonal()));
+  }
+  EXPECT_EQ(middle(kLargest, kLargest), kLargest);
+}
+
+// ---- Transformations, against plain products in double precision
+
+using Rows = std::array<std::array<double, 4>, 4>;
+
+Rows multiply(const Rows& a, const Rows& b) {
+  Rows product{};
+  for (std::size_t i = 0; i < 4; ++i) {
+    for (std::size_t j = 0; j < 4; ++j) {
+      for (std::size_t k = 0; k < 4; ++k) product[i][j] += a[i][k] * b[k][j];
+    }
+  }
+  return product;
+}
+
+Rows translation(const Vec& v) {
+  return {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {v.x, v.y, v.z, 1}}};
+}
+
+// Turns row vectors about an axis: each row is where a unit vector comes to lie.
+Rows rotation(Vec axis, double angle) {
+  const double size = std::sqrt(dot(axis, axis));
+  const std::array<double, 3> a = {axis.x / size, axis.y / size, axis.z / size};
+  Rows rows{};
+  rows[3][3] = 1;
+  for (std::size_t i = 0; i < 3; ++i) {
+    for (std::size_t j = 0; j < 3; ++j) {
+      const std::size_t k = 3 - i - j;
+      const double sign = (i + 1) % 3 == j ? 1 : -1;
+      rows[i][j] = a[i] * a[j] * (1 - std::cos(angle)) +
+                   (i == j ? std::cos(angle) : sign * a[k % 3] * std::sin(angle));
+    }
+  }
+  return rows;
+}
+
+TEST(Transform, IsTheProductOfItsParts) {
+  const Vec center(1, 2, 3);
+  const Vec move(-4, 0.5F, 7);
+  const Vec axis(1, 2, -2);
+  const Vec scaleAxis(0, 3, 4);
+  const Vec scale(2, 0.5F, -3);
+  State state;
+  state.transform(Matrix({0, 1, 0, 0, -2, 0, 0, 0, 0, 0, 1, 0, 5, 6, 7, 1}));
+  TransformNode node(NODE_Transform);
+  const auto add = [&](FieldId field, const Vec& v) {
+    node.fields.emplace_back(field, std::make_unique<FVec3f>(std::vector<Vec>{v}));
+  };
+  // Their order in the file does not matter.
+  add(FIELD_center, center);
+  add(FIELD_scaleFactor, scale);
+  node.fields.emplace_back(FIELD_scaleOrientation,
+                           std::make_unique<FRotation>(Rotation{scaleAxis, -1.25F}));
+  node.fields.emplace_back(FIELD_rotation, std::make_unique<FRotation>(Rotation{axis, 0.75F}));
+  add(FIELD_translation, move);
+  node.setupDepends(state);
+
+  const Rows before = {{{0, 1, 0, 0}, {-2, 0, 0, 0}, {0, 0, 1, 0}, {5, 6, 7, 1}}};
+  const Rows scaling = {{{scale.x, 0, 0, 0}, {0, scale.y, 0, 0}, {0, 0, scale.z, 0}, {0, 0, 0, 1}}};
+  Rows expected = translation(Vec() - center);
+  for (const Rows& next : {rotation(scaleAxis, 1.25), scaling, rotation(scaleAxis, -1.25),
+                           rotation(axis, 0.75), translation(center), translation(move), before}) {
+    expected = multiply(expected, next);
+  }
+  for (int i = 0; i < 16; ++i) {
+    EXPECT_NEAR(state.matrix.at(i / 4, i % 4),
+                expected[static_cast<std::size_t>(i / 4)][static_cast<std::size_t>(i % 4)], 1e-4)
+        << i;
+  }
+}
+
+TEST(State, MaxScaleIgnoresWhereThingsAre) {
+  State state;
+  EXPECT_EQ(state.getMaxScale(), 1);
+  state.matrix = Matrix({2, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 100, 200, 300, 1});
+  EXPECT_NEAR(state.getMaxScale(), std::sqrt(2.0), 1e-6);
+  state.matrix = Matrix({-3, 0, 0, 0, 0, -3, 0, 0, 0, 0, -3, 0, 0, 0, 0, 1});
+  EXPECT_NEAR(state.getMaxScale(), 3, 1e-6);
+  // Sheared along one diagonal: that one counts, whichever it is.
+  for (const float sign : {1.0F, -1.0F}) {
+    state.matrix = Matrix({1, 0, 0, 0, sign, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1});
+    EXPECT_NEAR(state.getMaxScale(), std::sqrt(2.0), 1e-6);
+  }
+}
+
+// ---- Records
+
+std::string printed(NormalSet& set, const std::string& letters, int uncompressed) {
+  for (const char c : letters) set.insert(Normal(static_cast<float>(c - 'A'), 0, 0));
+  set.raiseUncompressed(uncompressed);
+  return catchOutput([&](Output& out) { set.print(out, 0); });
+}
+
+TEST(RecordSet, NumbersFirstOccurrences) {
+  NormalSet set;
+  EXPECT_EQ(printed(set, "ABAC", 0), "vector [ 0 0 0,1 0 0,2 0 0 ]\n");
+  EXPECT_EQ(set.count, 3);
+  EXPECT_EQ(set.getWrittenIndex(2), 0);
+  EXPECT_EQ(set.getWrittenIndex(3), 2);
+
+  // The first three keep their places; the last place of a repeated one is its number.
+  NormalSet kept;
+  EXPECT_EQ(printed(kept, "ABAC", 3), "vector [ 0 0 0,1 0 0,0 0 0,2 0 0 ]\n");
+  EXPECT_EQ(kept.count, 4);
+  EXPECT_EQ(kept.getWrittenIndex(0), 2);
+
+  NormalSet all;
+  EXPECT_EQ(printed(all, "AAA", 99), "vector [ 0 0 0,0 0 0,0 0 0 ]\n");
+  EXPECT_EQ(all.uncompressed, 3);
+  NormalSet none;
+  EXPECT_EQ(printed(none, "", 5), "");
+  EXPECT_EQ(none.getMaxIndex(), -1);
+}
+
+// Materials as letters (their red) with digits (their shininess in tenths): both lists as written.
+std::string printMaterials(MaterialSet& set, const std::string& text, int uncompressed) {
+  set.mask = 0b010010;
+  for (std::size_t i = 0; i < text.size(); i += 2) {
+    Material material;
+    material.diffuseColor = RGB(static_cast<float>(text[i] - 'A'), 0, 0);
+    material.shininess = static_cast<float>(text[i + 1] - '0') / 10;
+    set.insert(material);
+  }
+  set.raiseUncompressed(uncompressed);
+  return catchOutput([&](Output& out) { set.print(out, 0); });
+}
+
+std::string printMaterials(const std::string& text, int uncompressed = 0) {
+  MaterialSet set;
+  return printMaterials(set, text, uncompressed);
+}
+
+TEST(MaterialSet, WritesNoRepeatsAtTheEnd) {
+  EXPECT_EQ(printMaterials("A1B2C2D2"),
+            "diffuseColor [ 0 0 0,1 0 0,2 0 0,3 0 0 ]\nshininess [ 0.1,0.2 ]\n");
+  EXPECT_EQ(printMaterials("A1B1C1", 2),
+            "diffuseColor [ 0 0 0,1 0 0,2 0 0 ]\nshininess [ 0.1,0.1 ]\n");
+  EXPECT_EQ(printMaterials("A1A1A1"), "diffuseColor [ 0 0 0 ]\nshininess [ 0.1 ]\n");
+  // The value that goes on must be the one written last: the second A is not written, so the list
+  // ends with C, or .2 would go on.
+  EXPECT_EQ(printMaterials("A1B2A1C1"),
+            "diffuseColor [ 0 0 0,1 0 0,2 0 0 ]\nshininess [ 0.1,0.2,0.1 ]\n");
+  EXPECT_EQ(printMaterials("A1B2A1A1"), "diffuseColor [ 0 0 0,1 0 0 ]\nshininess [ 0.1,0.2 ]\n");
+}
+
+// However a list ends, each material reads back with its own value.
+TEST(MaterialSet, KeepsAllValuesReadable) {
+  meshes::Random random(5);
+  for (int round = 0; round < 5000; ++round) {
+    std::string materials;
+    for (int n = 1 + meshes::pick(random, 7); n > 0; --n) {
+      const int color = meshes::pick(random, 4);
+      materials += static_cast<char>('A' + color);
+      materials += (round >> color & 1) != 0 ? '3' : '2';
+    }
+    MaterialSet set;
+    const std::string text = printMaterials(set, materials, meshes::pick(random, 4) - 1);
+    std::string written;
+    for (const char c : text.substr(text.find("shininess"))) {
+      if (c == '3' || c == '2') written += c;
+    }
+    for (std::size_t i = 0; i < materials.size() / 2; ++i) {
+      const auto index = static_cast<std::size_t>(set.getWrittenIndex(static_cast<int>(i)));
+      EXPECT_EQ(written[std::min(index, written.size() - 1)], materials[2 * i + 1]) << text;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace varimesh
