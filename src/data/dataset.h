@@ -56,7 +56,7 @@ class DataSet {
   ReferenceArray array;
 
   // Calls visit(position, reference) for every position that is written, in order, as long as
-  // the position is below `end`. `uncompressed` beyond the end of the list is lowered to it.
+  // the position is below `end`.
   template <class Visit>
   void forEachWritten(int end, Visit visit) const {
     Reference next = 0;

@@ -1,6 +1,6 @@
 #include "data/material.h"
 
-#include <array>
+#include <algorithm>
 
 #include "data/normal.h"
 #include "reader/names.h"
@@ -9,10 +9,6 @@
 
 namespace varimesh {
 namespace {
-
-// In the order of the mask bits.
-constexpr std::array materialFields = {FIELD_ambientColor,  FIELD_diffuseColor, FIELD_specularColor,
-                                       FIELD_emissiveColor, FIELD_shininess,    FIELD_transparency};
 
 const RGB* getColor(const Material& material, int field) {
   switch (field) {
@@ -80,14 +76,8 @@ void MaterialSet::print(Output& out, int indent) {
 }
 
 void MaterialSet::printSet(Output& out, int indent, int field) {
-  global_cpl = 0;
-  if (uncompressed > array.getSize()) uncompressed = array.getSize();
-  bool isFirst = true;
-  forEachWritten(findEnd(field), [&](int, Reference reference) {
-    if (!isFirst) printRecordSeparator(out, indent);
-    isFirst = false;
-    records[reference].print(out, field);
-  });
+  uncompressed = std::min(uncompressed, array.getSize());
+  printUpTo(findEnd(field), out, indent, field);
 }
 
 // The position where a field's list may end because the last value written goes on for all

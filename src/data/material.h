@@ -1,13 +1,22 @@
 // Colours and materials.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "data/recordset.h"
+#include "reader/names.h"
 #include "values/output.h"
 #include "values/vec.h"
 
 namespace varimesh {
+
+// The fields of a material, in the order in which they are compared, masked and written. The first
+// four are colours.
+inline constexpr std::array<FieldId, 6> materialFields = {FIELD_ambientColor,  FIELD_diffuseColor,
+                                                          FIELD_specularColor, FIELD_emissiveColor,
+                                                          FIELD_shininess,     FIELD_transparency};
+inline constexpr std::size_t materialColorCount = 4;
 
 struct RGB {
   float r = 0, g = 0, b = 0;
@@ -39,7 +48,7 @@ struct Material : Data {
 
 class MaterialSet : public RecordSet<Material> {
  public:
-  // Which fields the node has: bit 0 for ambientColor, and so on in the order of the members.
+  // Which fields the node has: bit 0 for ambientColor, and so on in the order of materialFields.
   unsigned mask = 0;
 
   // The number under which the material at an input position is written. Positions wrap around:

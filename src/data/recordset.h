@@ -1,22 +1,15 @@
 // The deduplicating set behind coordinates, materials, normals and texture coordinates.
 #pragma once
 
-#include <bit>
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <vector>
 
 #include "data/dataset.h"
+#include "values/hash.h"
 
 namespace varimesh {
-
-// Mixes one more number into a hash. 0.0 and -0.0 are equal, so they must mix alike.
-inline std::uint64_t mixHash(std::uint64_t hash, float number) {
-  const auto bits = std::bit_cast<std::uint32_t>(number + 0.0F);
-  hash = (hash ^ bits) * 0x9E3779B97F4A7C15U;
-  return hash ^ (hash >> 29);
-}
 
 // A Record derives from Data and has compareWith (0 when equal), hash, and print.
 // Equal values share the record that was inserted first. A hash table finds it in constant time,
@@ -56,23 +49,27 @@ class RecordSet : public DataSet {
 
   // Writes the records as one list in the order of setIndices; `field` is handed to each.
   void printSet(Output& out, int indent, int field) {
-    global_cpl = 0;
-    if (uncompressed > array.getSize()) uncompressed = array.getSize();
-    bool isFirst = true;
-    forEachWritten(array.getSize(), [&](int, Reference reference) {
-      if (!isFirst) printRecordSeparator(out, indent);
-      isFirst = false;
-      records[reference].print(out, field);
-    });
+    printUpTo(array.getSize(), out, indent, field);
   }
 
   [[nodiscard]] bool isEmpty() const { return records.empty(); }
-  [[nodiscard]] const Record& getRecord(Reference reference) const { return records[reference]; }
   // The number under which the value at an input position is written.
   [[nodiscard]] int getWrittenIndex(int position) const { return records[array[position]].index; }
 
  protected:
   std::vector<Record> records;
+
+  // Writes the list as if the input ended at position `end`.
+  void printUpTo(int end, Output& out, int indent, int field) {
+    global_cpl = 0;
+    uncompressed = std::min(uncompressed, array.getSize());
+    bool isFirst = true;
+    forEachWritten(end, [&](int, Reference reference) {
+      if (!isFirst) printRecordSeparator(out, indent);
+      isFirst = false;
+      records[reference].print(out, field);
+    });
+  }
 
  private:
   void grow() {

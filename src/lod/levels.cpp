@@ -144,8 +144,7 @@ void OctreeCoordSet::generateOctreeLODs(std::size_t first, std::size_t last, int
   std::stable_sort(children.begin(), children.begin() + static_cast<std::ptrdiff_t>(childCount),
                    [](const Child& a, const Child& b) { return a.usedCount > b.usedCount; });
   for (std::size_t i = 0; i < childCount && left > target; ++i) {
-    generateOctreeLODs(children[i].first, children[i].last, depth + 1, layer, left, target,
-                       shapes);
+    generateOctreeLODs(children[i].first, children[i].last, depth + 1, layer, left, target, shapes);
   }
 }
 

@@ -93,20 +93,11 @@ void TextureCoordNode::printData(Output& out, int indent) {
 
 namespace {
 
-// The fields of a material in the order of the mask bits, with what verbose output calls them.
-struct MaterialField {
-  int number;
-  const char* shortName;
-  const char* treeName;
-};
-constexpr std::array<MaterialField, 6> materialFields = {{
-    {FIELD_ambientColor, " amb", " ambient"},
-    {FIELD_diffuseColor, " diff", " diffuse"},
-    {FIELD_specularColor, " spec", " specular"},
-    {FIELD_emissiveColor, " emis", " emissive"},
-    {FIELD_shininess, " shin", " shininess"},
-    {FIELD_transparency, " trans", " transparency"},
-}};
+// What verbose output calls the fields of a material, in the order of materialFields.
+constexpr std::array<const char*, 6> shortNames = {" amb",  " diff", " spec",
+                                                   " emis", " shin", " trans"};
+constexpr std::array<const char*, 6> treeNames = {" ambient",  " diffuse",   " specular",
+                                                  " emissive", " shininess", " transparency"};
 
 }  // namespace
 
@@ -119,7 +110,7 @@ void MaterialNode::printData(Output& out, int indent) {
   if (verbose != 0) message("material", "fields:");
   std::size_t longest = 0;
   for (std::size_t i = 0; i < materialFields.size(); ++i) {
-    const int number = materialFields[i].number;
+    const int number = materialFields[i];
     std::size_t size = 0;
     if (i < colors.size()) {
       if (auto* value = getValue<FVec3f>(number)) colors[i] = std::move(value->values);
@@ -132,7 +123,7 @@ void MaterialNode::printData(Output& out, int indent) {
     if (size == 0) continue;
     materialSet->mask |= 1U << i;
     longest = std::max(longest, size);
-    if (verbose != 0) std::fputs(materialFields[i].shortName, stdout);
+    if (verbose != 0) std::fputs(shortNames[i], stdout);
   }
   if (verbose != 0) std::fputs("\n", stdout);
 
@@ -157,10 +148,10 @@ void MaterialNode::printData(Output& out, int indent) {
 void MaterialNode::printTree(Output& out, int indent) {
   Node::printTree(out, indent);
   out.write(" (");
-  for (const MaterialField& field : materialFields) {
-    const Field* present = getField(field.number);
+  for (std::size_t i = 0; i < materialFields.size(); ++i) {
+    const Field* present = getField(materialFields[i]);
     if (present == nullptr || present->size() == 0) continue;
-    out.write(field.treeName);
+    out.write(treeNames[i]);
     out.put(' ');
     out.writeInt(static_cast<int>(present->size()));
   }

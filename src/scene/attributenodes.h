@@ -35,6 +35,8 @@ class AttributeNode : public Node {
   [[nodiscard]] int getUsers() const { return users_; }
 
   std::uint64_t getJoinSignature() override;
+  // Equal for nodes that joining finds equal; not kept up when the node takes in another.
+  std::uint64_t getContentHash();
   // The number of entries, for joining.
   [[nodiscard]] virtual int countValues() = 0;
   // Bit of joinmode that says that two nodes of this kind differ.
@@ -48,6 +50,9 @@ class AttributeNode : public Node {
   void printStatistics(const char* prefix, std::size_t values, const DataSet& set) const;
 
  private:
+  [[nodiscard]] virtual std::uint64_t hashContent() { return 0; }
+
+  std::uint64_t contentHash_ = 0;  // 0: not known yet
   int users_ = 0;
   bool isWritten_ = false;
 };
@@ -85,6 +90,7 @@ class MaterialNode : public AttributeNode {
  protected:
   void printData(Output& out, int indent) override;
   void deleteSet() override { materialSet.reset(); }
+  [[nodiscard]] std::uint64_t hashContent() override;
   [[nodiscard]] int countValues() override;
   [[nodiscard]] int getJoinBit() const override { return JOIN_MATERIALS; }
 };
@@ -102,6 +108,7 @@ class NormalNode : public AttributeNode {
  protected:
   void printData(Output& out, int indent) override;
   void deleteSet() override { normalSet.reset(); }
+  [[nodiscard]] std::uint64_t hashContent() override;
   [[nodiscard]] int countValues() override;
   [[nodiscard]] int getJoinBit() const override { return JOIN_NORMALS; }
 };

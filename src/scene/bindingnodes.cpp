@@ -18,10 +18,16 @@ void MaterialBindingNode::printTree(Output& out, int indent) {
 }
 
 void ShapeHintsNode::setupDepends(State& state) {
-  const auto* ordering = getValue<FEnum>(FIELD_vertexOrdering);
-  const auto* faceType = getValue<FEnum>(FIELD_faceType);
-  state.vertexOrdering = ordering != nullptr ? ordering->value : 0;
-  state.faceType = faceType != nullptr ? faceType->value : 1;
+  const auto getWord = [&](FieldId field) {
+    const auto* word = getValue<FEnum>(field);
+    return word != nullptr ? std::optional(word->value) : std::nullopt;
+  };
+  hints_ = {getWord(FIELD_vertexOrdering), getWord(FIELD_shapeType), getWord(FIELD_faceType), {}};
+  if (const auto* angle = getValue<FFloat>(FIELD_creaseAngle)) {
+    hints_.creaseAngle = angle->values.front();
+  }
+  state.vertexOrdering = hints_.vertexOrdering.value_or(0);
+  state.faceType = hints_.faceType.value_or(1);
   state.shapeHintsNode = this;
 }
 

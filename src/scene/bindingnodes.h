@@ -1,6 +1,8 @@
 // Attribute nodes that are a setting rather than a list: bindings, texture and shape hints.
 #pragma once
 
+#include <optional>
+
 #include "scene/node.h"
 #include "scene/state.h"
 
@@ -41,6 +43,19 @@ class ShapeHintsNode : public Node {
  public:
   using Node::Node;
   void setupDepends(State& state) override;
+
+  // The hints given, noted when the node is passed: shapes repeat them when they are written, and
+  // by then the node's own fields are gone.
+  struct Hints {
+    std::optional<int> vertexOrdering;
+    std::optional<int> shapeType;
+    std::optional<int> faceType;
+    std::optional<float> creaseAngle;
+  };
+  [[nodiscard]] const Hints& getHints() const { return hints_; }
+
+ private:
+  Hints hints_;
 };
 
 }  // namespace varimesh

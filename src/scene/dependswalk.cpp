@@ -18,7 +18,7 @@ void DependsWalk::run(Node& root) {
 }
 
 void DependsWalk::visit(Node& node) {
-  if (!openUses_.empty()) count();
+  if (!openUses_.empty() && node.asUse() == nullptr) count();
   if (GroupNode* group = node.asGroup()) {
     enter(*group, nullptr);
   } else if (UseNode* use = node.asUse()) {

@@ -1,16 +1,18 @@
 // Joining: comparing and merging attribute nodes.
 #include <algorithm>
+#include <span>
 
 #include "scene/attributenodes.h"
 #include "scene/bindingnodes.h"
 #include "scene/joinshape.h"
+#include "values/hash.h"
 
 namespace varimesh {
 namespace {
 
-constexpr int colorFields[] = {FIELD_ambientColor, FIELD_diffuseColor, FIELD_specularColor,
-                               FIELD_emissiveColor};
-constexpr int numberFields[] = {FIELD_shininess, FIELD_transparency};
+constexpr std::span allFields(materialFields);
+constexpr auto colorFields = allFields.first(materialColorCount);
+constexpr auto numberFields = allFields.subspan(materialColorCount);
 
 bool canMeet(const Node& a, const Node& b) {
   return a.type == b.type && a.used == 0 && b.used == 0;
@@ -28,20 +30,36 @@ template <class V>
 void prependList(Node& from, Node& to, int field) {
   auto* values = from.getValue<V>(field);
   if (values == nullptr) return;
-  if (auto* list = to.getValue<V>(field)) {
-    values->values.insert(values->values.end(), list->values.begin(), list->values.end());
-    list->values = std::move(values->values);
-  } else {
+  auto* list = to.getValue<V>(field);
+  if (list == nullptr) {
     std::erase_if(to.fields, [&](const Field& f) { return f.number == field; });
-    to.fields.emplace(to.fields.begin(), field, std::make_unique<V>(std::move(values->values)));
+    list = static_cast<V*>(
+        to.fields.emplace(to.fields.begin(), field, std::make_unique<V>())->value.get());
   }
-  values->values.clear();
+  Node::prepend(values->values, list->values);
+}
+
+// Mixes all values of a list into a hash.
+std::uint64_t hashNumber(float number) { return mixHash(0, number); }
+std::uint64_t hashNumber(const Vec& v) { return mixHash(mixHash(mixHash(0, v.x), v.y), v.z); }
+
+template <class V>
+std::uint64_t mixList(std::uint64_t hash, Node& node, int field) {
+  const auto* list = node.getValue<V>(field);
+  if (list == nullptr) return mixHash(hash, std::uint64_t{0});
+  for (const auto& value : list->values) hash = mixHash(hash, hashNumber(value));
+  return mixHash(hash, std::uint64_t{list->values.size()});
 }
 
 }  // namespace
 
 std::uint64_t AttributeNode::getJoinSignature() {
   return used != 0 ? 0 : static_cast<std::uint64_t>(type) + 1;
+}
+
+std::uint64_t AttributeNode::getContentHash() {
+  if (contentHash_ == 0) contentHash_ = hashContent() | 1U;
+  return contentHash_;
 }
 
 int CoordNode::joinable(Node& other) {
@@ -106,9 +124,9 @@ int MaterialNode::joinable(Node& other) {
   const auto differs = [&](int field, auto compare) {
     return !compare(getField(field), other.getField(field));
   };
-  if (std::any_of(std::begin(colorFields), std::end(colorFields),
+  if (std::any_of(colorFields.begin(), colorFields.end(),
                   [&](int field) { return differs(field, compare3DField); }) ||
-      std::any_of(std::begin(numberFields), std::end(numberFields),
+      std::any_of(numberFields.begin(), numberFields.end(),
                   [&](int field) { return differs(field, compareField); })) {
     joinmode |= JOIN_MATERIALS;
   }
@@ -121,6 +139,15 @@ void MaterialNode::makeJoin(Node& other) {
   for (const int field : colorFields) makeJoinField3D(other, field, size);
   for (const int field : numberFields) makeJoinField(other, field, size);
   static_cast<MaterialNode&>(other).count += count;
+}
+
+std::uint64_t NormalNode::hashContent() { return mixList<FVec3f>(1, *this, FIELD_vector); }
+
+std::uint64_t MaterialNode::hashContent() {
+  std::uint64_t hash = 1;
+  for (const int field : colorFields) hash = mixList<FVec3f>(hash, *this, field);
+  for (const int field : numberFields) hash = mixList<FFloat>(hash, *this, field);
+  return hash;
 }
 
 // A node without any values still stands for one material, the default.

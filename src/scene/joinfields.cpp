@@ -24,15 +24,6 @@ bool compare(const Field* a, const Field* b, Equal equal) {
   return a->size() > 0 && a->size() == b->size() && equal(*a->value, *b->value);
 }
 
-// Puts `from` in front of `to`. Taking over the storage of `from`, which has grown by all that it
-// absorbed before, makes a long row of joins cost no more than what each one adds.
-template <class T>
-void prepend(std::vector<T>& from, std::vector<T>& to) {
-  from.insert(from.end(), std::make_move_iterator(to.begin()), std::make_move_iterator(to.end()));
-  to = std::move(from);
-  from.clear();
-}
-
 template <class T>
 void fillUp(std::vector<T>& values, std::size_t size) {
   if (values.size() < size) values.resize(size, T(values.back()));

@@ -1,5 +1,6 @@
 // Joining: comparing, preparing and merging two groups. Each is a walk over both trees in step.
 #include <algorithm>
+#include <array>
 #include <unordered_map>
 
 #include "scene/attributenodes.h"
@@ -11,17 +12,12 @@
 namespace varimesh {
 namespace {
 
-// Bindings that an earlier join has put in are passed over, so that the same children are paired.
-bool isInserted(const Node& node) {
-  return node.type == NODE_MaterialBinding && (node.joinState & PREPARED_MATERIALS) != 0;
-}
-
 struct Cursor {
   GroupNode* group;
   std::size_t next = 0;
 
   Node* take() {
-    while (next < group->children.size() && isInserted(*group->children[next])) ++next;
+    while (next < group->children.size() && isInsertedBinding(*group->children[next])) ++next;
     return next < group->children.size() ? group->children[next++].get() : nullptr;
   }
 };
@@ -82,7 +78,7 @@ bool haveEqualHeads(const GroupNode& group, const GroupNode& other) {
          group.fieldsText == other.fieldsText &&
          std::equal(group.fields.begin(), group.fields.end(), other.fields.begin(),
                     other.fields.end(), haveEqualValues) &&
-         group.type != NODE_LOD && group.type != NODE_LevelOfDetail && group.type != NODE_Switch;
+         !isLeftAlone(group);
 }
 
 // What is noted and marked for each kind of data that differs.
@@ -111,6 +107,7 @@ void prepareMaterials(GroupNode& group) {
   NodeList prepared;
   prepared.reserve(group.children.size());
   for (auto& child : group.children) {
+    if (JoinShape* shape = child->asJoinShape()) shape->wrapMaterialIndex();
     const bool isBare = child->type == NODE_IndexedFaceSet &&
                         (child->getField(FIELD_materialIndex) == nullptr ||
                          child->asJoinShape()->getCapturedState().materialBinding == OVERALL);

@@ -1,6 +1,8 @@
 // The vocabulary of joining.
 #pragma once
 
+#include "scene/node.h"
+
 namespace varimesh {
 
 // Bits of Node::joinmode: what differs between the nodes compared.
@@ -21,5 +23,16 @@ enum JoinState : int {
   PREPARED_TEXTURECOORDS = 32,
   PREPARED_NORMALS = 64,
 };
+
+// Levels and alternatives are no row of things that are all seen: joining leaves them alone.
+inline bool isLeftAlone(const Node& node) {
+  return node.type == NODE_LOD || node.type == NODE_LevelOfDetail || node.type == NODE_Switch;
+}
+
+// A binding that an earlier join has put in. Comparisons pass over it, so that the same children
+// are paired.
+inline bool isInsertedBinding(const Node& node) {
+  return node.type == NODE_MaterialBinding && (node.joinState & PREPARED_MATERIALS) != 0;
+}
 
 }  // namespace varimesh

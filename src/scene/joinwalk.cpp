@@ -1,16 +1,14 @@
 #include "scene/joinwalk.h"
 
 #include <algorithm>
+#include <functional>
+#include <string>
 
 #include "scene/joinmode.h"
+#include "values/hash.h"
 
 namespace varimesh {
 namespace {
-
-// Levels and alternatives are not a row of things that are all seen.
-bool isLeftAlone(const Node& node) {
-  return node.type == NODE_LOD || node.type == NODE_LevelOfDetail || node.type == NODE_Switch;
-}
 
 bool isSeparatorOrGroup(const Node& node) {
   return node.type == NODE_Separator || node.type == NODE_Group;
@@ -23,15 +21,17 @@ bool isOtherGroup(const Node& node) {
 // Whether attributes set inside stay in force behind the group.
 bool isLeaky(GroupNode& group) { return group.getScope() != GroupNode::Scope::everything; }
 
-// A leaky group that sets nothing but what its shapes use up can still be seen through.
+// Whether something behind the group could see what is set in it. Shapes set nothing, and nothing
+// gets out of a separator.
 bool setsAttributes(GroupNode& group) {
-  return std::any_of(group.children.begin(), group.children.end(),
-                     [](const auto& child) { return child->asJoinShape() == nullptr; });
+  return std::any_of(group.children.begin(), group.children.end(), [](const auto& child) {
+    GroupNode* inner = child->asGroup();
+    return inner != nullptr ? isLeaky(*inner) : child->asJoinShape() == nullptr;
+  });
 }
 
-std::uint64_t mix(std::uint64_t hash, std::uint64_t value) {
-  hash = (hash ^ value) * 0x9E3779B97F4A7C15U;
-  return hash ^ (hash >> 31);
+std::uint64_t mixText(std::uint64_t hash, const std::string& text) {
+  return mixHash(hash, std::uint64_t{std::hash<std::string>()(text)});
 }
 
 }  // namespace
@@ -83,19 +83,20 @@ void JoinWalk::joinChildren(GroupNode& group, bool isTail) {
     if (canJoin && last - first > 1) joinRow(group, first, last, isUnseen);
     first = last;
   }
+  const std::size_t count = children.size();
   dissolveLast(group, isTail);
-  deleteJoined(group);
+  deleteJoined(group, count);
 }
 
 // Joins a row of siblings of one type, from first to last - 1.
-void JoinWalk::joinRow(GroupNode& group, std::size_t first, std::size_t last, bool isTail) {
+void JoinWalk::joinRow(GroupNode& group, std::size_t first, std::size_t last, bool isUnseen) {
   positions_.clear();
   for (std::size_t i = first; i < last; ++i) {
     const std::uint64_t signature = group.children[i]->getJoinSignature();
     if (signature != 0) positions_[signature].push_back(i);
   }
   for (std::size_t i = first; i + 1 < last; ++i) {
-    joinNode(*group.children[i], group.children, i, last, isTail);
+    joinNode(*group.children[i], group.children, i, last, isUnseen);
   }
 }
 
@@ -104,23 +105,23 @@ void JoinWalk::joinRow(GroupNode& group, std::size_t first, std::size_t last, bo
 // really compared; further away only those are whose signature does not rule them out, since a row
 // of groups that are all different would otherwise be compared pair by pair.
 void JoinWalk::joinNode(Node& node, NodeList& siblings, std::size_t position, std::size_t last,
-                        bool isTail) {
+                        bool isUnseen) {
   constexpr std::size_t nearGroups = 16;
   Node::joinmode = 0;
   const std::uint64_t signature = node.getJoinSignature();
   if (signature == 0) return;
   GroupNode* group = node.asGroup();
-  if (group != nullptr && !isSelfContained(*group)) return;
+  // What stands between two groups sees what the first one sets, so that only the next can take it.
+  if (group != nullptr && isLeaky(*group) && setsAttributes(*group)) {
+    last = std::min(last, position + 2);
+  }
 
   const auto tryPartner = [&](std::size_t i) {
     Node& other = *siblings[i];
-    const bool isVisible = !(isTail && i + 1 == siblings.size());
-    if (group != nullptr && isLeaky(*group) && i != position + 1 && setsAttributes(*group)) {
-      return false;  // what stands between sees what the group sets
-    }
+    const bool isVisible = !(isUnseen && i + 1 == siblings.size());
     if (!isJoinable(node, other, isVisible)) return false;
-    absorb(node, other);
-    return true;
+    if (group == nullptr || isSelfContained(*group)) absorb(node, other);
+    return true;  // what other nodes need of the group, they need wherever it goes
   };
 
   std::size_t next = position + 1;
@@ -130,8 +131,8 @@ void JoinWalk::joinNode(Node& node, NodeList& siblings, std::size_t position, st
     }
   }
   const auto& candidates = positions_[signature];
-  for (auto i = std::lower_bound(candidates.begin(), candidates.end(), next); i != candidates.end();
-       ++i) {
+  for (auto i = std::lower_bound(candidates.begin(), candidates.end(), next);
+       i != candidates.end() && *i < last; ++i) {
     if (tryPartner(*i)) return;
   }
 }
@@ -170,28 +171,38 @@ void JoinWalk::dissolveLast(GroupNode& group, bool isTail) const {
   for (auto& child : below) group.children.push_back(std::move(child));
 }
 
-void JoinWalk::deleteJoined(GroupNode& group) {
+// Deletes what has been absorbed among the first `count` children; those behind have just come from
+// a group that was dissolved.
+void JoinWalk::deleteJoined(GroupNode& group, std::size_t count) {
+  NodeList& children = group.children;
   std::size_t kept = 0;
-  for (auto& child : group.children) {
-    if ((child->joinState & JOINED) != 0) {
-      child.reset();
+  for (std::size_t i = 0; i < count; ++i) {
+    if ((children[i]->joinState & JOINED) != 0) {
+      children[i].reset();
     } else {
-      std::swap(group.children[kept++], child);
+      std::swap(children[kept++], children[i]);
     }
   }
-  group.children.resize(kept);
+  const auto first = children.begin();
+  children.erase(first + static_cast<std::ptrdiff_t>(kept),
+                 first + static_cast<std::ptrdiff_t>(count));
 }
 
 // Of what areGroupsJoinable compares, as far as it must be equal.
 std::uint64_t JoinWalk::calcSignature(const GroupNode& group) {
   if (group.used != 0) return 0;
-  std::uint64_t hash = mix(static_cast<std::uint64_t>(group.type), group.fields.size());
+  std::uint64_t hash = mixText(static_cast<std::uint64_t>(group.type), group.fieldsText);
+  for (const Field& field : group.fields) {
+    hash = mixHash(hash, static_cast<std::uint64_t>(field.number));
+    if (const auto* text = dynamic_cast<const FString*>(field.value.get())) {
+      for (const std::string& value : text->values) hash = mixText(hash, value);
+    }
+  }
   for (const auto& child : group.children) {
-    if (child->type == NODE_MaterialBinding && (child->joinState & PREPARED_MATERIALS) != 0)
-      continue;
+    if (isInsertedBinding(*child)) continue;
     const std::uint64_t signature = child->getJoinSignature();
     if (signature == 0) return 0;
-    hash = mix(hash, signature);
+    hash = mixHash(hash, signature);
   }
   return hash | 1U;
 }

@@ -23,20 +23,21 @@ class JoinWalk {
     GroupNode* group;
     Phase phase;
     std::size_t next;
-    bool isTail;  // nothing that follows can see what the group's last child sets
+    bool isTail;  // nothing follows that would see what gets out of the group
   };
 
   void enter(GroupNode& group, bool isTail);
   // The next group inside to be joined before the children of the frame's group meet, or null.
   GroupNode* findInnerGroup(Frame& frame) const;
   void joinChildren(GroupNode& group, bool isTail);
-  void joinRow(GroupNode& group, std::size_t first, std::size_t last, bool isTail);
+  // `isUnseen`: nothing that follows sees what the last child sets.
+  void joinRow(GroupNode& group, std::size_t first, std::size_t last, bool isUnseen);
   void joinNode(Node& node, NodeList& siblings, std::size_t position, std::size_t last,
-                bool isTail);
+                bool isUnseen);
   [[nodiscard]] bool isJoinable(Node& node, Node& other, bool isVisible) const;
   void absorb(Node& node, Node& other) const;
   void dissolveLast(GroupNode& group, bool isTail) const;
-  static void deleteJoined(GroupNode& group);
+  static void deleteJoined(GroupNode& group, std::size_t count);
   [[nodiscard]] static std::uint64_t calcSignature(const GroupNode& group);
 
   std::vector<Frame> frames_;

@@ -3,6 +3,7 @@
 
 #include <cstdarg>
 #include <cstdint>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -97,6 +98,15 @@ class Node {
   // Whether two fields hold equal numbers: both absent, or of the same length with equal values.
   static bool compareField(const Field* a, const Field* b);
   static bool compare3DField(const Field* a, const Field* b);
+  // Puts values in front of others and leaves none behind. The storage of `from`, which has grown
+  // by all that it absorbed before, is taken over, so that a long row of joins costs no more than
+  // what each one adds.
+  template <class T>
+  static void prepend(std::vector<T>& from, std::vector<T>& to) {
+    from.insert(from.end(), std::make_move_iterator(to.begin()), std::make_move_iterator(to.end()));
+    to = std::move(from);
+    from.clear();
+  }
   // Puts the values of `from` in front of those of `to` and leaves `from` empty.
   static void joinFields(Field* from, Field* to);
   // The same for a list of floats or of 3-D vectors that both nodes are to have: one that lacks it

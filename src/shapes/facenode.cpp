@@ -160,19 +160,18 @@ void FaceNode::printLevel(Output& out, int indent, const ShapeSet& set) {
 // since a ShapeHints node sets them all.
 std::unique_ptr<Node> FaceNode::makeHints() const {
   if (state.faceType != 0) return nullptr;
+  ShapeHintsNode::Hints inForce;
+  if (state.shapeHintsNode != nullptr) inForce = state.shapeHintsNode->getHints();
   auto hints = std::make_unique<Node>(NODE_ShapeHints);
-  Node* inForce = state.shapeHintsNode;
-  const auto repeatWord = [&](FieldId field, EnumKind kind) {
-    if (const auto* word = inForce != nullptr ? inForce->getValue<FEnum>(field) : nullptr) {
-      hints->fields.emplace_back(field, std::make_unique<FEnum>(word->value, kind));
-    }
+  const auto addWord = [&](FieldId field, EnumKind kind, std::optional<int> word) {
+    if (word) hints->fields.emplace_back(field, std::make_unique<FEnum>(*word, kind));
   };
-  repeatWord(FIELD_vertexOrdering, KIND_vertexOrdering);
-  repeatWord(FIELD_shapeType, KIND_shapeType);
-  hints->fields.emplace_back(FIELD_faceType, std::make_unique<FEnum>(1, KIND_faceType));
-  if (const auto* angle =
-          inForce != nullptr ? inForce->getValue<FFloat>(FIELD_creaseAngle) : nullptr) {
-    hints->fields.emplace_back(FIELD_creaseAngle, std::make_unique<FFloat>(angle->values));
+  addWord(FIELD_vertexOrdering, KIND_vertexOrdering, inForce.vertexOrdering);
+  addWord(FIELD_shapeType, KIND_shapeType, inForce.shapeType);
+  addWord(FIELD_faceType, KIND_faceType, 1);
+  if (inForce.creaseAngle) {
+    hints->fields.emplace_back(FIELD_creaseAngle,
+                               std::make_unique<FFloat>(std::vector<float>{*inForce.creaseAngle}));
   }
   return hints;
 }

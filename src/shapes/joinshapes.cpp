@@ -1,10 +1,13 @@
 // Joining: comparing and merging shapes.
 #include <algorithm>
-#include <array>
+#include <cstdint>
+#include <limits>
+#include <span>
 
 #include "scene/attributenodes.h"
 #include "scene/joinmode.h"
 #include "shapes/shapenode.h"
+#include "values/hash.h"
 
 namespace varimesh {
 namespace {
@@ -13,11 +16,18 @@ bool isCounted(int binding) {
   return binding == PER_PART || binding == PER_FACE || binding == PER_VERTEX;
 }
 
-// Whether the second shape's missing material indices will be made: it is drawn in one material,
-// while the first already has indices by face, or will get them.
-bool willGetIndex(const State& state, const State& other) {
-  return (Node::joinmode & JOIN_MATERIALS) != 0 && other.materialBinding == OVERALL &&
-         (state.materialBinding == PER_FACE_INDEXED || state.materialBinding == OVERALL);
+// Whether the second shape will get material indices by face: it is drawn in one material, while
+// the first already has such indices, or will get them too.
+bool willGetIndex(const ShapeNode& shape, const ShapeNode& other) {
+  return (Node::joinmode & JOIN_MATERIALS) != 0 && other.state.materialBinding == OVERALL &&
+         (shape.state.materialBinding == PER_FACE_INDEXED ||
+          shape.state.materialBinding == OVERALL);
+}
+
+// Lists that are of no use may hold any number.
+int addIndex(int index, int count) {
+  return static_cast<int>(
+      std::min<std::int64_t>(std::int64_t{index} + count, std::numeric_limits<int>::max()));
 }
 
 // Puts an index list in front of another one. `count` is the number of entries that come before
@@ -26,7 +36,7 @@ void joinIndexList(Node& node, Node& other, FieldId field, int count, bool isClo
   auto* mine = node.getValue<FLong>(field);
   if (auto* list = other.getValue<FLong>(field); list != nullptr && count != 0) {
     for (int& index : list->values) {
-      if (index != -1) index += count;
+      if (index != -1) index = addIndex(index, count);
     }
   }
   if (mine != nullptr && isClosed && mine->values.back() != -1) mine->values.push_back(-1);
@@ -62,6 +72,12 @@ bool isExactList(std::span<const int> positions, std::span<const int> list, Use 
   return end == list.size();
 }
 
+// Whether a list has only numbers below `count`, and -1. Others are an error of the shape, and must
+// not turn into numbers of somebody else's entries.
+bool isInRange(std::span<const int> list, int count) {
+  return std::all_of(list.begin(), list.end(), [&](int i) { return i >= -1 && i < count; });
+}
+
 }  // namespace
 
 std::uint64_t ShapeNode::getJoinSignature() {
@@ -74,16 +90,22 @@ std::uint64_t ShapeNode::getJoinSignature() {
   const bool isMergeable = state.materialBinding == OVERALL ||
                            (state.materialBinding == PER_FACE_INDEXED && hasIndex != 0);
   std::uint64_t hash = reinterpret_cast<std::uintptr_t>(state.textureNode);
-  const auto mix = [&](std::uint64_t value) {
-    hash = (hash ^ value) * 0x9E3779B97F4A7C15U;
-    hash ^= hash >> 31;
-  };
+  const auto mix = [&](std::uint64_t value) { hash = mixHash(hash, value); };
   mix(static_cast<std::uint64_t>(type));
   mix(hasField(FIELD_coordIndex) << 2U | hasField(FIELD_normalIndex) << 1U |
       hasField(FIELD_textureCoordIndex));
   mix(isMergeable ? 100 : static_cast<std::uint64_t>(state.materialBinding) * 2 + hasIndex);
   mix(static_cast<std::uint64_t>(state.normalBinding));
+  // What must not differ at all.
+  if (state.normalBinding == OVERALL) mix(state.normalNode->getContentHash());
+  if (hasUselessIndex()) mix(state.materialNode->getContentHash());
   return hash | 1U;
+}
+
+// A line set drawn in one material whose index list would come to life among several.
+bool ShapeNode::hasUselessIndex() {
+  return type == NODE_IndexedLineSet && state.materialBinding == OVERALL &&
+         getField(FIELD_materialIndex) != nullptr;
 }
 
 // Entries that are counted from the start of a node's list, and lists that end elsewhere than the
@@ -98,26 +120,33 @@ bool ShapeNode::isInJoinableBindings() {
       !state.normalNode->isDefault()) {
     return false;
   }
-  return haveListsExactLength();
+  return haveExactLists();
 }
 
-bool ShapeNode::haveListsExactLength() {
+bool ShapeNode::haveExactLists() {
   if (exactLists_ >= 0) return exactLists_ != 0;
   const auto getList = [&](FieldId field) {
     const auto* list = getValue<FLong>(field);
     return list != nullptr ? std::span<const int>(list->values) : std::span<const int>();
   };
   const auto positions = getList(FIELD_coordIndex);
-  const auto isExact = [&](FieldId field, int binding) {
+  const auto isExact = [&](FieldId field, int binding, int count) {
     if (getField(field) == nullptr || binding == OVERALL || isCounted(binding)) return true;
-    return isExactList(positions, getList(field), getUse(*this, binding));
+    return isExactList(positions, getList(field), getUse(*this, binding)) &&
+           isInRange(getList(field), count);
   };
-  exactLists_ = isExact(FIELD_materialIndex, state.materialBinding) &&
-                        isExact(FIELD_normalIndex, state.normalBinding) &&
-                        isExact(FIELD_textureCoordIndex, PER_VERTEX_INDEXED)
-                    ? 1
-                    : 0;
-  return exactLists_ != 0;
+  constexpr int any = std::numeric_limits<int>::max();
+  // Material numbers start again from the first, and default nodes are not looked into.
+  const auto count = [](AttributeNode& node) {
+    return node.isDefault() ? any : node.countValues();
+  };
+  const bool areExact =
+      isInRange(positions, count(*state.coordNode)) &&
+      isExact(FIELD_materialIndex, state.materialBinding, any) &&
+      isExact(FIELD_normalIndex, state.normalBinding, count(*state.normalNode)) &&
+      isExact(FIELD_textureCoordIndex, PER_VERTEX_INDEXED, count(*state.textureCoordNode));
+  exactLists_ = areExact ? 1 : 0;
+  return areExact;
 }
 
 int ShapeNode::joinable(Node& node) {
@@ -128,7 +157,8 @@ int ShapeNode::joinable(Node& node) {
   };
   const bool hasIndex = getField(FIELD_materialIndex) != nullptr;
   const bool otherHasIndex = other.getField(FIELD_materialIndex) != nullptr;
-  const bool isIndexMade = hasIndex && !otherHasIndex && willGetIndex(state, other.state);
+  const bool isIndexMade =
+      hasIndex && willGetIndex(*this, other) && (!otherHasIndex || type == NODE_IndexedFaceSet);
 
   if (!isInBothOrNone(FIELD_coordIndex)) return 0;
   if (hasIndex != otherHasIndex && !isIndexMade) return 0;
@@ -147,12 +177,7 @@ int ShapeNode::joinable(Node& node) {
       (state.normalBinding == OVERALL || other.state.normalBinding == OVERALL)) {
     return 0;
   }
-  const auto isUselessIndex = [](ShapeNode& shape) {
-    return shape.type == NODE_IndexedLineSet && shape.state.materialBinding == OVERALL &&
-           shape.getField(FIELD_materialIndex) != nullptr;
-  };
-  if ((joinmode & JOIN_MATERIALS) != 0 && (isUselessIndex(*this) || isUselessIndex(other)))
-    return 0;
+  if ((joinmode & JOIN_MATERIALS) != 0 && (hasUselessIndex() || other.hasUselessIndex())) return 0;
   return 1;
 }
 

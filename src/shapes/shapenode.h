@@ -81,9 +81,11 @@ class ShapeNode : public Node, public JoinShape {
   void cleanUpLast() const;
 
   [[nodiscard]] bool isInJoinableBindings();
-  [[nodiscard]] bool haveListsExactLength();
+  [[nodiscard]] bool haveExactLists();
+  [[nodiscard]] bool hasUselessIndex();
 
-  // For joining: whether every index list ends where the last polygon does; -1: not known yet.
+  // For joining: whether every index list ends where the last polygon does, and holds only numbers
+  // of entries that are there; -1: not known yet.
   int exactLists_ = -1;
 };
 
