@@ -106,7 +106,7 @@ TEST_F(CliTest, CommandLineFaultsShowTheUsageAndTouchNoFile) {
   for (const auto& [arguments, message] : cases) {
     const ProgramResult result = run(arguments);
     EXPECT_EQ(result.status, 1) << message;
-    EXPECT_EQ(result.err, message + "\n\n" + usageText);
+    EXPECT_EQ(result.err, std::string(message).append("\n\n").append(usageText));
     EXPECT_EQ(result.out, banner);
   }
   EXPECT_EQ(dir.read("in.wrl"), scene);

@@ -220,7 +220,6 @@ void ShapeNode::wrapMaterialIndex() {
 void ShapeNode::setMaterialBinding(int binding) {
   state.materialBinding = binding;
   materialBinding = binding;
-  exactLists_ = -1;
 }
 
 }  // namespace varimesh
