@@ -178,7 +178,8 @@ TEST(Scanner, FieldLists) {
 
 TEST(Scanner, UnknownBodies) {
   check({{"Foo { a { } }on", "type:Foo body: { a { } } on"},
-         {"Foo#}\n{#}\n# {\n a # }", "type:Foo body:#}\n{#}\n# {\n a # }"},
+         {"Foo\n#}\n{#}\n# {\n a # }", "type:Foo body:\n#}\n{#}\n# {\n a # }"},
+         {"Foo# {\n}", "type:Foo body:# {\n}"},
          {"Foo{\"}\"", "type:Foo body:{\"}", ""},
          {"Foo { {}", "type:Foo"},
          {"Foo \n }}on", "type:Foo } } on"}});

@@ -112,7 +112,8 @@ void run(const RunSettings& settings) {
 
   // The process is about to end: taking apart what may be millions of nodes and values would only
   // cost time. So the scene stays reachable, and is never destroyed.
-  [[maybe_unused]] static Scene* kept = nullptr;
+  // Volatile, or the compiler would see that nobody looks.
+  [[maybe_unused]] static Scene* volatile kept = nullptr;
   kept = scene.release();
 }
 

@@ -215,6 +215,9 @@ int fieldList() {
 // an opening one is no body but the token that it is elsewhere.
 int unknownBody() {
   const char* const begin = cursor;
+  // A "#" right behind the type's name begins no comment. It could not be written back as one,
+  // since a blank comes between them.
+  while (cursor != inputEnd && *cursor != '\n' && *cursor != '{' && *cursor != '}') ++cursor;
   return rawText("{}", [begin]() -> int {
     if (*cursor == '{') {
       ++unknowncount;

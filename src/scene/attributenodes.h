@@ -10,7 +10,7 @@
 #include "data/normal.h"
 #include "lod/octreecoordset.h"
 #include "scene/joinmode.h"
-#include "scene/lazy.h"
+#include "values/lazy.h"
 #include "scene/node.h"
 #include "scene/state.h"
 

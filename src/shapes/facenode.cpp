@@ -4,10 +4,10 @@
 #include <cstdio>
 
 #include "scene/bindingnodes.h"
-#include "scene/lazy.h"
 #include "shapes/faceset.h"
 #include "shapes/vertexreader.h"
 #include "triangulate/triangulator.h"
+#include "values/lazy.h"
 
 namespace varimesh {
 namespace {

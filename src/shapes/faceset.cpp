@@ -64,12 +64,14 @@ void FaceSet::append(const Corners& corners) {
 
 // A face that contains all corners of the new one stands in the list of each of them, so the
 // shortest list decides.
-bool FaceSet::insertOk(const Corners& corners) const {
+bool FaceSet::insertOk(const Corners& corners) {
+  constexpr std::uint32_t longList = 64;
   const OctreeCoord* least = &coordSet.getOctreeCoord(corners[0]);
   for (unsigned i = 1; i < 4 && corners[i] != noCoord; ++i) {
     const OctreeCoord& coord = coordSet.getOctreeCoord(corners[i]);
     if (coord.shapeCount < least->shapeCount) least = &coord;
   }
+  if (least->shapeCount > longList) return !index_->contains(corners, faces_, vertexOrdering_);
   for (std::uint32_t i = least->shapeRefs; i != noShapeRef;) {
     const ShapeRef& ref = coordSet.getShapeRef(i);
     if (isEquivOrSubsetOf(corners, faces_[ref.shape], vertexOrdering_)) return false;

@@ -5,7 +5,9 @@
 #include <vector>
 
 #include "shapes/face.h"
+#include "shapes/faceindex.h"
 #include "shapes/shapeset.h"
+#include "values/lazy.h"
 
 namespace varimesh {
 
@@ -31,6 +33,10 @@ class FaceSet : public ShapeSet {
   // quadrangle becomes two segments, one that is not flat enough two triangles.
   void insert(const Face& face);
   [[nodiscard]] std::unique_ptr<ShapeSet> generateNextLOD() override;
+  void finish() override {
+    index_.reset();
+    ShapeSet::finish();
+  }
   void calcErrors(const CollapsingCell& cell, CellErrors& errors) const override;
   void print(Output& out, int indent, Mode mode) const;
 
@@ -46,7 +52,7 @@ class FaceSet : public ShapeSet {
   void insertTriangle(const FaceSet& previous, ShapeId shape);
   void append(const Corners& corners);
   // Whether no face that is there already contains the new one.
-  [[nodiscard]] bool insertOk(const Corners& corners) const;
+  [[nodiscard]] bool insertOk(const Corners& corners);
   [[nodiscard]] int getVertexCountOfRepresent(ShapeId shape) const;
   [[nodiscard]] Face createRepresent(ShapeId shape) const;
   [[nodiscard]] Vertex getVertex(ShapeId shape, unsigned corner) const;
@@ -56,6 +62,7 @@ class FaceSet : public ShapeSet {
 
   int vertexOrdering_;
   std::vector<Corners> faces_;
+  Lazy<FaceIndex> index_;  // while faces are inserted, for points with very many of them
 };
 
 }  // namespace varimesh

@@ -1,5 +1,7 @@
 #include "shapes/lineset.h"
 
+#include <algorithm>
+
 namespace varimesh {
 
 void LineSet::insert(const Line& line) {
@@ -15,12 +17,14 @@ void LineSet::insert(const Line& line) {
 }
 
 // The same segment would stand in the list of both ends, so the shorter list decides.
-bool LineSet::insertOk(const Line& line) const {
+bool LineSet::insertOk(const Line& line) {
+  constexpr std::uint32_t longList = 64;
   const CoordId a = line.vertex1.coord;
   const CoordId b = line.vertex2.coord;
   if (a == noCoord || b == noCoord || a == b) return false;
   const OctreeCoord& first = coordSet.getOctreeCoord(a);
   const OctreeCoord& second = coordSet.getOctreeCoord(b);
+  if (std::min(first.shapeCount, second.shapeCount) > longList) return !isKnown({a, b});
   for (std::uint32_t i = first.shapeCount <= second.shapeCount ? first.shapeRefs : second.shapeRefs;
        i != noShapeRef;) {
     const ShapeRef& ref = coordSet.getShapeRef(i);
@@ -29,6 +33,14 @@ bool LineSet::insertOk(const Line& line) const {
     i = ref.next;
   }
   return true;
+}
+
+bool LineSet::isKnown(const Ends& ends) {
+  const auto getKey = [](const Ends& e) {
+    return std::uint64_t{std::min(e[0], e[1])} << 32U | std::max(e[0], e[1]);
+  };
+  for (; knownCount_ < lines_.size(); ++knownCount_) known_.insert(getKey(lines_[knownCount_]));
+  return known_.contains(getKey(ends));
 }
 
 std::unique_ptr<ShapeSet> LineSet::generateNextLOD() {

@@ -78,7 +78,7 @@ class ShapeSet : public Shape {
   [[nodiscard]] virtual std::unique_ptr<ShapeSet> generateNextLOD() = 0;
   // To be called when the last shape has been inserted, before the coordinate set goes on to the
   // next level: notes what is needed for writing.
-  void finish();
+  virtual void finish();
 
   // The middle and the diagonal of the box of all corners; 0 for an empty set.
   [[nodiscard]] Vec getCenter() const { return box_.getMiddle(); }
