@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "driver/option.h"
+#include "driver/streams.h"
 #include "driver/texts.h"
 #include "lod/coordset.h"
 #include "lod/octreecoordset.h"
@@ -154,11 +155,11 @@ const char* findFault(const Options& options) {
 
 RunSettings parseCommandLine(int argc, char** argv) {
   const char* const programName = argv[0];
-  const Options options;
+  Options options;
   if (!Option::parse(argc, argv)) usage(programName, "invalid option");
   if (options.copyright.isSpecified()) {
     std::fputs(texts::notice().c_str(), stdout);
-    std::exit(EXIT_SUCCESS);
+    std::exit(closeStandardOutput() ? EXIT_SUCCESS : EXIT_FAILURE);
   }
   if (argc < 2) usage(programName, "no input file specified");
   if (argc > 2) usage(programName, "too much parameters");

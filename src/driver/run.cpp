@@ -112,7 +112,7 @@ void run(const RunSettings& settings) {
 
   // The process is about to end: taking apart what may be millions of nodes and values would only
   // cost time. So the scene stays reachable, and is never destroyed.
-  // Volatile, or the compiler would see that nobody looks.
+  // Volatile, since nothing reads it: otherwise the store, and with it the pointer, would be gone.
   [[maybe_unused]] static Scene* volatile kept = nullptr;
   kept = scene.release();
 }

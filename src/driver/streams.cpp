@@ -22,7 +22,6 @@ bool closeStandardOutput() {
   const bool hadFailed = std::ferror(stdout) != 0;
   if (std::fflush(stdout) == 0 && !hadFailed) return true;
   std::fputs("error: cannot write standard output\n", stderr);
-  if (!hadFailed) std::perror("error");
   return false;
 }
 

@@ -311,6 +311,16 @@ enum Token : int {
   TOKEN_FIELDLIST = 363,
   TOKEN_UNKNOWNTYPE = 364,
   TOKEN_UNKNOWNBODY = 365,
+  TOKEN_UNTERMINATED = 366,  // a string that the input ends in: fits nowhere
 };
+
+// A few of each table, so that a name that slips out of place is noticed.
+static_assert(nodeIdString[NODE_LOD] == "LOD" &&
+              nodeIdString[NODE_LevelOfDetail] == "LevelOfDetail" &&
+              nodeIdString[NODE_Switch] == "Switch" && nodeIdString[NODE_WWWInline] == "WWWInline");
+static_assert(fieldIdString[FIELD_coordIndex] == "coordIndex" &&
+              fieldIdString[FIELD_transparency] == "transparency" &&
+              fieldIdString[FIELD_faceType] == "faceType" &&
+              fieldIdString[FIELD_bboxCenter] == "bboxCenter");
 
 }  // namespace varimesh

@@ -73,7 +73,7 @@ constexpr std::array<Maker, NODE_NONE> makers = makeMakers();
 
 }  // namespace
 
-std::unique_ptr<Node> makeNode(NodeInit init, NodeList children) {
+std::unique_ptr<Node> makeNode(NodeInit&& init, NodeList&& children) {
   const auto type = static_cast<std::size_t>(init.type);
   return makers[type](std::move(init), std::move(children));
 }

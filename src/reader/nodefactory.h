@@ -9,6 +9,6 @@
 namespace varimesh {
 
 // The children are those of a grouping node; other types have none.
-std::unique_ptr<Node> makeNode(NodeInit init, NodeList children);
+std::unique_ptr<Node> makeNode(NodeInit&& init, NodeList&& children);
 
 }  // namespace varimesh

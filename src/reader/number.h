@@ -88,14 +88,13 @@ inline Number scanNumber(const char* begin) {
   if (p == wholeEnd && count > 0) {
     if (*whole != '0') {
       const std::uint64_t limit = std::uint64_t{1} << 31;
-      if (count > exactDigits || digits >= limit) digits = negative ? limit : limit - 1;
-      const auto magnitude = static_cast<std::int64_t>(digits);
+      const bool isTooLarge = count > exactDigits || digits >= limit;
+      const auto magnitude = static_cast<std::int64_t>(!isTooLarge ? digits
+                                                       : negative  ? limit
+                                                                   : limit - 1);
       number.isInteger = true;
       number.integer = static_cast<int>(negative ? -magnitude : magnitude);
-      number.real = static_cast<float>(number.integer);
-      return number;
-    }
-    if (!negative && isOctal(whole, wholeEnd)) {
+    } else if (!negative && isOctal(whole, wholeEnd)) {
       number.isInteger = true;
       if (count == 1 && *p == 'x' && hasClass(p[1], CHAR_HEX)) {
         for (++p; hasClass(*p, CHAR_HEX);) ++p;
@@ -124,7 +123,7 @@ inline Number scanNumber(const char* begin) {
   }
   number.real = static_cast<float>(value);
   if (std::isinf(number.real)) {
-    number.saturated = true;
+    number.saturated = !number.isInteger;
     number.real = std::copysign(std::numeric_limits<float>::max(), number.real);
   }
   return number;

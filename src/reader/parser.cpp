@@ -269,13 +269,8 @@ bool Parser::element(int& value) {
 }
 
 bool Parser::element(float& value) {
-  if (is(TOKEN_INTEGER)) {
-    value = static_cast<float>(yylval.integer);
-  } else if (is(TOKEN_FLOAT)) {
-    value = yylval.real;
-  } else {
-    return parseError();
-  }
+  if (!is(TOKEN_INTEGER) && !is(TOKEN_FLOAT)) return parseError();
+  value = yylval.real;
   consume();
   return true;
 }

@@ -101,6 +101,7 @@ bool skipComment() {
 int numberToken(const Number& number) {
   if (number.isInteger) {
     yylval.integer = number.integer;
+    yylval.real = number.real;
     return token(TOKEN_INTEGER, cursor, number.end);
   }
   yylval.real = number.real;
@@ -116,6 +117,7 @@ int numberToken(const Number& number) {
 int keywordToken(const Keyword& keyword) {
   token(keyword.token, cursor, cursor + keyword.word.size());
   yylval.integer = keyword.token == TOKEN_INTEGER ? keyword.value : lex_line;
+  yylval.real = static_cast<float>(keyword.value);
   if (keyword.token == TOKEN_DEF || keyword.token == TOKEN_USE) condition = Condition::AfterDef;
   if (keyword.token == TOKEN_FIELDS) condition = Condition::AfterFields;
   return keyword.token;
@@ -144,8 +146,7 @@ int word() {
 }
 
 // At a character that may begin a DEF name. A number goes before the name only if it is longer, as
-// in
-// "-.5", where the name would end before the point.
+// in "-.5", where the name would end before the point.
 int nameAfterDef() {
   const char* const end = runEnd(cursor, CHAR_NAME);
   const Number number = scanNumber(cursor);
@@ -177,7 +178,7 @@ int quotedString() {
       default: ++cursor;
     }
   }
-  return endOfInput();
+  return token(TOKEN_UNTERMINATED, inputEnd, inputEnd);
 }
 
 // The raw texts of field lists and unknown bodies are matched piece by piece: single delimiters and

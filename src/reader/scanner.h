@@ -15,7 +15,7 @@ namespace varimesh {
 // What comes with a token; which member counts depends on the token.
 struct TokenValue {
   int integer = 0;        // an integer; of node keywords and USE: their line
-  float real = 0;         // a float
+  float real = 0;         // a float, or an integer as one: not bound to 32 bits
   std::string_view text;  // a name, an unknown type, its body; a field list with its brackets;
                           //   a string without its quotes, otherwise as written
 };

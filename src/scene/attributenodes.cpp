@@ -18,8 +18,9 @@ void AttributeNode::print(Output& out, int indent) {
     deleteSet();
     return;
   }
-  printHead(out, indent);
-  printData(out, indent);
+  int inner = indent;
+  printHead(out, inner);
+  printData(out, inner);
   printTail(out, indent);
   if (users_ == 0) deleteSet();
 }

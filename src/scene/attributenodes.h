@@ -10,9 +10,9 @@
 #include "data/normal.h"
 #include "lod/octreecoordset.h"
 #include "scene/joinmode.h"
-#include "values/lazy.h"
 #include "scene/node.h"
 #include "scene/state.h"
+#include "values/lazy.h"
 
 namespace varimesh {
 

@@ -88,10 +88,7 @@ void GroupNode::printOpening(Output& out, int& indent) const {
   printFields(out, indent);
 }
 
-void GroupNode::printClosing(Output& out, int indent) const {
-  printIndent(out, indent);
-  out.write("}\n");
-}
+void GroupNode::printClosing(Output& out, int indent) const { printTail(out, indent); }
 
 void GroupNode::setupDepends(State& state) { DependsWalk(state).run(*this); }
 

@@ -1,5 +1,6 @@
 #include "scene/node.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
@@ -29,8 +30,9 @@ Node::~Node() {
 }
 
 void Node::print(Output& out, int indent) {
-  printHead(out, indent);
-  printFields(out, indent);
+  int inner = indent;
+  printHead(out, inner);
+  printFields(out, inner);
   printTail(out, indent);
 }
 
@@ -73,17 +75,15 @@ void Node::printFields(Output& out, int indent) const {
   for (const Field& field : fields) field.print(out, indent);
 }
 
-void Node::printTail(Output& out, int& indent) const {
-  indent = addColumns(indent, -global_indent);
+void Node::printTail(Output& out, int indent) const {
   printIndent(out, indent);
   out.write("}\n");
 }
 
 Field* Node::getField(int number) {
-  for (auto field = fields.rbegin(); field != fields.rend(); ++field) {
-    if (field->number == number) return &*field;
-  }
-  return nullptr;
+  const auto field = std::find_if(fields.rbegin(), fields.rend(),
+                                  [&](const Field& f) { return f.number == number; });
+  return field != fields.rend() ? &*field : nullptr;
 }
 
 void Node::registerName() {
@@ -105,6 +105,7 @@ void Node::message(const char* prefix, const char* format, ...) const {
 }
 
 void Node::warning(const char* format, ...) const {
+  std::fflush(stdout);  // so that both streams keep their order in one log
   std::fputs("warning: ", stderr);
   printPlace(stderr);
   std::va_list arguments;
@@ -114,6 +115,7 @@ void Node::warning(const char* format, ...) const {
 }
 
 void Node::error(const char* format, ...) const {
+  std::fflush(stdout);
   std::fputs("error: ", stderr);
   printPlace(stderr);
   std::va_list arguments;

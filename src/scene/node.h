@@ -80,10 +80,11 @@ class Node {
   // This node as a USE reference, or null.
   virtual UseNode* asUse() { return nullptr; }
 
-  // The parts of the written form. printHead leaves `indent` one level deeper, printTail undoes it.
+  // The parts of the written form. printHead leaves `indent` one level deeper; printTail takes the
+  // column that the head stands in.
   void printHead(Output& out, int& indent) const;
   void printFields(Output& out, int indent) const;
-  void printTail(Output& out, int& indent) const;
+  void printTail(Output& out, int indent) const;
 
   // The field with that number, or null; the last one when it occurs more than once.
   [[nodiscard]] Field* getField(int number);

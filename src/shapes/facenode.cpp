@@ -42,6 +42,7 @@ class FaceCollector {
     }
     note();
     set_.reserve(polygons);
+    if (Triangulator::verbose != 0) static_cast<void>(*triangulator_);  // reports that it is made
   }
 
   void add(std::span<const Vertex> v) {
@@ -84,10 +85,12 @@ class FaceCollector {
     }
     if (triangulator.run() == 0) return;
     for (int t = 0; t < triangulator.getCount(); ++t) {
-      const auto corner = [&](int i) {
+      const auto getCorner = [&](int i) {
         return v[static_cast<std::size_t>(triangulator.getPoint(t, i))];
       };
-      addTriangle(corner(0), corner(1), corner(2));
+      const Vertex a = getCorner(0);  // one by one: verbose output tells the order
+      const Vertex b = getCorner(1);
+      addTriangle(a, b, getCorner(2));
     }
   }
 
@@ -143,12 +146,14 @@ void FaceNode::printLevel(Output& out, int indent, const ShapeSet& set) {
   const auto& faces = static_cast<const FaceSet&>(set);
   const Node separator(NODE_Separator);
   const bool hasSeparator = (faces.polygonCount > 0) == (faces.lineCount > 0);
-  if (hasSeparator) separator.printHead(out, indent);
+  int column = indent;
+  if (hasSeparator) separator.printHead(out, column);
   const auto printPart = [&](NodeType partType, FaceSet::Mode mode) {
+    int inner = column;
     type = partType;
-    printHead(out, indent);
-    faces.print(out, indent, mode);
-    printTail(out, indent);
+    printHead(out, inner);
+    faces.print(out, inner, mode);
+    printTail(out, column);
     type = NODE_IndexedFaceSet;
   };
   if (faces.polygonCount > 0) printPart(NODE_IndexedFaceSet, FaceSet::polygons);

@@ -42,12 +42,9 @@ int IndexReader::take() {
 }
 
 void IndexReader::endPolygon() {
-  if (source_ == Source::listByPolygon) {
-    values_ = values_.subspan(1);
-  } else if ((source_ == Source::listBySegment || source_ == Source::listByVertex) &&
-             !values_.empty() && values_.front() == -1) {
-    values_ = values_.subspan(1);
-  }
+  const bool isPerCorner = source_ == Source::listBySegment || source_ == Source::listByVertex;
+  const bool isClosed = isPerCorner && !values_.empty() && values_.front() == -1;
+  if (source_ == Source::listByPolygon || isClosed) values_ = values_.subspan(1);
 }
 
 }  // namespace varimesh

@@ -51,8 +51,9 @@ void LineNode::printLevelStatistics(const ShapeSet& set) const {
 }
 
 void LineNode::printLevel(Output& out, int indent, const ShapeSet& set) {
-  printHead(out, indent);
-  static_cast<const LineSet&>(set).print(out, indent);
+  int inner = indent;
+  printHead(out, inner);
+  static_cast<const LineSet&>(set).print(out, inner);
   printTail(out, indent);
 }
 

@@ -193,8 +193,9 @@ void ShapeNode::print(Output& out, int indent) {
 }
 
 void ShapeNode::printEmpty(Output& out, int indent) const {
-  printHead(out, indent);
-  printIndent(out, indent);
+  int inner = indent;
+  printHead(out, inner);
+  printIndent(out, inner);
   out.write("coordIndex [ ]\n");
   printTail(out, indent);
   warning("empty node\n");
@@ -215,17 +216,19 @@ void ShapeNode::printLevels(Output& out, int indent, const Levels& levels) {
     out.put(' ');
     name.clear();
   }
-  if (hasSeparator) separator.printHead(out, indent);
-  for (const auto& node : attributeNodes) node->print(out, indent);
+  int column = indent;
+  if (hasSeparator) separator.printHead(out, column);
+  for (const auto& node : attributeNodes) node->print(out, column);
 
   const bool hasLOD = nolods == 0 && extractlod == -1;
   const Node lod(NODE_LOD);
+  int levelColumn = column;
   if (hasLOD) {
-    lod.printHead(out, indent);
-    printRanges(out, indent, levels);
+    lod.printHead(out, levelColumn);
+    printRanges(out, levelColumn, levels);
   }
-  for (std::size_t i = first; i < levels.size(); ++i) printLevel(out, indent, *levels[i]);
-  if (hasLOD) lod.printTail(out, indent);
+  for (std::size_t i = first; i < levels.size(); ++i) printLevel(out, levelColumn, *levels[i]);
+  if (hasLOD) lod.printTail(out, column);
   if (hasSeparator) separator.printTail(out, indent);
 }
 

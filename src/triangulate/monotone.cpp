@@ -104,7 +104,7 @@ int Triangulator::monotonate_trapezoids(int n) {
   return newmon();
 }
 
-// Only triangular trapezoids are asked for: every outline has one.
+// Answers for triangular trapezoids only: every outline has one, and one is enough to start from.
 int Triangulator::inside_polygon(const trap_t& t) const {
   if (t.state != TrapState::valid || t.lseg <= 0 || t.rseg <= 0) return 0;
   const bool triangle = (t.u0 <= 0 && t.u1 <= 0) || (t.d0 <= 0 && t.d1 <= 0);

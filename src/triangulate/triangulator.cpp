@@ -63,15 +63,13 @@ int Triangulator::run() {
 }
 
 // Looks from the foremost corner on one axis: where the corner opposite to it lies in front of one
-// of the others it may point inwards, and the cut goes through it. One axis alone can be mistaken,
-// so a cut outside the outline, which turns one of the triangles over, gives way to the other.
+// of the others it may point inwards, and the cut goes through it.
 int Triangulator::triangulateQuadrilateral() {
   if (!checkForXYZ()) {
     std::fputs("error: can`t triangulate polygon (there is no correct point pair!).\n", stderr);
     return 0;
   }
   const std::size_t u = useX_ ? 0 : 1;
-  const std::size_t v = useX_ && useY_ ? 1 : 2;
   const auto point = [&](int i) -> const Point3& { return points_[idx(i % 4)]; };
   int m = 0;
   for (int i = 1; i < 4; ++i) {
@@ -79,13 +77,6 @@ int Triangulator::triangulateQuadrilateral() {
   }
   const double opposite = point(m + 2)[u];
   if (opposite < point(m + 1)[u] || opposite < point(m + 3)[u]) m = (m + 1) % 4;
-
-  const auto turn = [&](const Point3& a, const Point3& b, const Point3& c) {
-    return (b[u] - a[u]) * (c[v] - a[v]) - (b[v] - a[v]) * (c[u] - a[u]);
-  };
-  const double first = turn(point(m), point(m + 1), point(m + 3));
-  const double second = turn(point(m + 1), point(m + 2), point(m + 3));
-  if ((first < 0 && second > 0) || (first > 0 && second < 0)) m = (m + 1) % 4;
 
   triangles_.push_back({m, (m + 1) % 4, (m + 3) % 4});
   triangles_.push_back({(m + 1) % 4, (m + 2) % 4, (m + 3) % 4});
@@ -147,7 +138,11 @@ int Triangulator::triangulate() {
   if (!construct_trapezoids(outline)) return 0;
   const int pieces = monotonate_trapezoids(outline);
   if (pieces == 0 || !triangulate_monotone_polygons(pieces)) return fail();
-  if (outline < n) triangles_.push_back({n - 1, n, 1});
+  if (outline < n) {
+    // The flat triangle at the repeated corner is to be read last, and rows of a clockwise outline
+    // are read in reverse.
+    triangles_.insert(reversed_ ? triangles_.begin() : triangles_.end(), {n - 1, n, 1});
+  }
   if (verbose) std::printf("triangulation OK\n");
   return 1;
 }
