@@ -186,6 +186,12 @@ TEST_F(Parser, EveryNodeTypeIsReadAndWrittenBack) {
   }
 }
 
+TEST_F(Parser, TheInputMustNotEndInsideSomething) {
+  EXPECT_EQ(errorIn("Cube { }\n\"abc\n"), "3 ");
+  EXPECT_EQ(errorIn("Foo { {\n}"), "2 ");
+  EXPECT_EQ(errorIn("Cube { fields [ a"), "1 ");
+}
+
 TEST_F(Parser, NoNodeAdmitsFieldsOfOthers) {
   yacc_nolods = 1;
   for (const Sample& sample : samples) {

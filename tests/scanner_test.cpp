@@ -180,7 +180,7 @@ TEST(Scanner, UnknownBodies) {
   check({{"Foo { a { } }on", "type:Foo body: { a { } } on"},
          {"Foo\n#}\n{#}\n# {\n a # }", "type:Foo body:\n#}\n{#}\n# {\n a # }"},
          {"Foo# {\n}", "type:Foo body:# {\n}"},
-         {"Foo{\"}\"", "type:Foo body:{\"}", ""},
+         {"Foo{\"}", "type:Foo body:{\"}", ""},
          {"Foo { {}", "type:Foo"},
          {"Foo \n }}on", "type:Foo } } on"}});
   EXPECT_EQ(scan("\nFoo\n{\n} Bar\n{}"), "type:Foo body:\n{\n} type:Bar body:\n{}");
