@@ -113,11 +113,12 @@ bool ShapeNode::hasUselessIndex() {
 bool ShapeNode::isInJoinableBindings() {
   if (isCounted(state.materialBinding) && !state.materialNode->isDefault()) return false;
   if (isCounted(state.normalBinding) && !state.normalNode->isDefault()) return false;
-  if (state.materialBinding == PER_VERTEX_INDEXED && getField(FIELD_materialIndex) == nullptr) {
-    return false;
-  }
-  if (state.normalBinding == PER_VERTEX_INDEXED && getField(FIELD_normalIndex) == nullptr &&
-      !state.normalNode->isDefault()) {
+  // Without a list of their own, indices by corner or by segment are those of the points.
+  const auto followPoints = [&](int binding, FieldId field) {
+    return getField(field) == nullptr && getUse(*this, binding) != Use::oneValue;
+  };
+  if (followPoints(state.materialBinding, FIELD_materialIndex)) return false;
+  if (followPoints(state.normalBinding, FIELD_normalIndex) && !state.normalNode->isDefault()) {
     return false;
   }
   return haveExactLists();
