@@ -1,0 +1,11 @@
+# Takes the release and the address from the one place in the code that states them.
+set(VARIMESH_TEXTS ${CMAKE_CURRENT_LIST_DIR}/../src/driver/texts.h)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${VARIMESH_TEXTS})
+foreach(name IN ITEMS release authors institution address)
+  file(STRINGS ${VARIMESH_TEXTS} line REGEX "constexpr char ${name}\\[\\] = \".*\";")
+  if(NOT line MATCHES "\"(.*)\"")
+    message(FATAL_ERROR "${VARIMESH_TEXTS} does not state the ${name}")
+  endif()
+  string(TOUPPER VARIMESH_${name} variable)
+  set(${variable} ${CMAKE_MATCH_1})
+endforeach()
