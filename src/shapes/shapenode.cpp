@@ -1,7 +1,9 @@
 #include "shapes/shapenode.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <limits>
 #include <utility>
 
 #include "scene/attributenodes.h"
@@ -241,7 +243,9 @@ void ShapeNode::printRanges(Output& out, int indent, const Levels& levels) const
   if (kind.isVerbose) message(kind.prefix, "scale=%f\n", scale);
   for (std::size_t i = 0; i + 1 < levels.size(); ++i) {
     const ShapeSet& set = *levels[i];
-    const double range = (double{set.getSphere()} + set.range) * scale;
+    // A reader would not take more than the largest single.
+    constexpr double most = std::numeric_limits<float>::max();
+    const double range = std::min((double{set.getSphere()} + set.range) * scale, most);
     if (i > 0) out.put(',');
     printFloat(out, range);
     if (kind.isVerbose) message(kind.prefix, "range of lod %d = %f\n", set.lod, range);
