@@ -1,4 +1,5 @@
 # Completion of varimesh's command line for bash.
+# shellcheck disable=SC2034  # _init_completion sets them all
 
 _varimesh() {
   local cur prev words cword
