@@ -33,7 +33,7 @@ Coord takePoint(Bytes& bytes, int kind) {
 // Uses only points of the level before, and fewer of them.
 void check(const OctreeCoordSet& coords, const std::set<int>& before, int usedBefore) {
   for (const OctreeCoord& coord : coords.getOctreeCoords()) {
-    if (coord.isUsed() && before.count(coord.index) == 0) report("a point out of nowhere");
+    if (coord.isUsed && before.count(coord.index) == 0) report("a point out of nowhere");
   }
   if (coords.getCountUsed() > usedBefore) report("more points than before");
   if (CoordSet::minDiff > 0 && coords.getCountUsed() >= usedBefore) report("no point less");
@@ -42,7 +42,7 @@ void check(const OctreeCoordSet& coords, const std::set<int>& before, int usedBe
 std::set<int> getUsed(const OctreeCoordSet& coords) {
   std::set<int> used;
   for (const OctreeCoord& coord : coords.getOctreeCoords()) {
-    if (coord.isUsed()) used.insert(coord.index);
+    if (coord.isUsed) used.insert(coord.index);
   }
   return used;
 }

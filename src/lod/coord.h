@@ -27,13 +27,7 @@ inline constexpr CoordId noCoord = ~CoordId{0};
 
 // The number of a face or line within its set.
 using ShapeId = std::uint32_t;
-
-// A cell of the list of shapes that have a point as a corner.
-struct ShapeRef {
-  ShapeId shape;
-  std::uint32_t next;  // position of the next cell, or noShapeRef
-};
-inline constexpr std::uint32_t noShapeRef = ~std::uint32_t{0};
+inline constexpr ShapeId noShape = ~ShapeId{0};
 
 // A point of the present level of the present shape: an input point, or a collapsed octree cell
 // that has the position and the written number of one of its points.
@@ -42,12 +36,11 @@ struct OctreeCoord : Coord {
   std::int16_t selectedLod = -1;  // `lod` of the child whose place it took; -1 for an input point
   std::uint16_t depth = 0;        // below the root, which has depth 0
   std::uint16_t split = 0;        // depth of the smallest cell that also holds the point before
-  std::uint32_t shapeRefs = noShapeRef;  // the shapes of this level that use it, newest first
-  std::uint32_t shapeCount = 0;          // how many; a point without shapes is not used
+  bool isUsed = false;            // whether a shape of this level has it as a corner
+  ShapeId shapes = noShape;       // heads the list of those whose least corner it is
 
   OctreeCoord() = default;
   explicit OctreeCoord(const Coord& coord) : Coord(coord) {}
-  [[nodiscard]] bool isUsed() const { return shapeCount > 0; }
 };
 
 }  // namespace varimesh

@@ -65,7 +65,7 @@ void OctreeCoordSet::generateNextLOD(const Shape& shapes) {
 int OctreeCoordSet::calcOctreeDepthOfUsedPoints() const {
   int depth = 0;
   for (const OctreeCoord& coord : coords_) {
-    if (coord.isUsed()) depth = std::max<int>(depth, coord.depth);
+    if (coord.isUsed) depth = std::max<int>(depth, coord.depth);
   }
   return depth;
 }
@@ -78,7 +78,7 @@ void OctreeCoordSet::collectCells() {
   for (CoordId i = 0; i < coords_.size(); ++i) {
     const OctreeCoord& coord = coords_[i];
     split = std::min(split, coord.split);
-    if (!coord.isUsed()) continue;
+    if (!coord.isUsed) continue;
     cells_.push_back({i, i + 1, i, 1, coord.depth, split, coord.lod, coord.selectedLod});
     split = std::numeric_limits<std::uint16_t>::max();
   }
@@ -262,7 +262,7 @@ void OctreeCoordSet::takeCells() {
   for (std::size_t i = 0; i < cells_.size(); ++i) {
     const Cell& cell = cells_[i];
     OctreeCoord& coord = coords_[i];
-    coord = OctreeCoord(previousCoords_[cell.selected]);
+    coord = OctreeCoord(static_cast<const Coord&>(previousCoords_[cell.selected]));
     coord.lod = cell.lod;
     coord.selectedLod = cell.selectedLod;
     coord.depth = cell.depth;
@@ -271,7 +271,6 @@ void OctreeCoordSet::takeCells() {
     std::fill(represents_.begin() + cell.first, represents_.begin() + cell.last,
               static_cast<CoordId>(i));
   }
-  refs_.clear();
   usedCount_ = 0;
 }
 

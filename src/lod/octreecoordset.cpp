@@ -106,6 +106,7 @@ std::uint16_t OctreeCoordSet::getSplit(std::size_t previousRank, std::size_t ran
 
 void OctreeCoordSet::beginShape(std::span<const int> positions, bool withLevels) {
   endShape();
+  isWithLevels_ = withLevels;
   localIds_.resize(records.size(), noCoord);
   for (const int position : positions) {
     if (position < 0 || position > getMaxIndex()) continue;
@@ -163,24 +164,8 @@ void OctreeCoordSet::endShape() {
   represents_.clear();
   selecteds_.clear();
   cells_.clear();
-  deleteShapeRefs();
-  currentLOD = 0;
-}
-
-void OctreeCoordSet::addShapeRef(CoordId coord, ShapeId shape) {
-  OctreeCoord& point = coords_[coord];
-  if (point.shapeCount++ == 0) ++usedCount_;
-  refs_.push_back({shape, point.shapeRefs});
-  point.shapeRefs = static_cast<std::uint32_t>(refs_.size() - 1);
-}
-
-void OctreeCoordSet::deleteShapeRefs() {
-  refs_.clear();
   usedCount_ = 0;
-  for (OctreeCoord& coord : coords_) {
-    coord.shapeRefs = noShapeRef;
-    coord.shapeCount = 0;
-  }
+  currentLOD = 0;
 }
 
 }  // namespace varimesh

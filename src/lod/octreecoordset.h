@@ -14,6 +14,7 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "lod/coordset.h"
@@ -38,13 +39,19 @@ class OctreeCoordSet : public CoordSet {
   // Ends the shape: frees what belongs to it alone.
   void endShape();
 
-  // The shapes of the present level that have a point as a corner.
-  void addShapeRef(CoordId coord, ShapeId shape);
-  [[nodiscard]] const ShapeRef& getShapeRef(std::uint32_t position) const {
-    return refs_[position];
+  // Whether the shape was started for levels: only then are its points in octree order.
+  [[nodiscard]] bool isWithLevels() const { return isWithLevels_; }
+
+  // Notes that a shape of the present level has the point as a corner.
+  void use(CoordId coord) {
+    OctreeCoord& point = coords_[coord];
+    usedCount_ += point.isUsed ? 0 : 1;
+    point.isUsed = true;
   }
-  void deleteShapeRefs();
-  void reserveShapeRefs(std::size_t size) { refs_.reserve(size); }
+  // Puts a shape at the head of a point's list, and returns the one that was there.
+  ShapeId setHead(CoordId coord, ShapeId shape) {
+    return std::exchange(coords_[coord].shapes, shape);
+  }
 
   // Level 0 again, with the shapes that are registered now.
   void resetLODs() { currentLOD = 0; }
@@ -110,7 +117,7 @@ class OctreeCoordSet : public CoordSet {
   std::vector<CoordId> localIds_;      // by reference; noCoord for points that it does not use
   std::vector<Reference> usedPoints_;  // those that have a local id
   std::vector<OctreeCoord> coords_;    // the points of the present level
-  std::vector<ShapeRef> refs_;
+  bool isWithLevels_ = false;
   int usedCount_ = 0;
   int rootDepth_ = 0;  // of the octree of used points: 1 when only the root is left
 

@@ -1,9 +1,9 @@
-// Finding the faces that contain a face among very many at one point.
+// Finding faces among very many that share a corner.
 #pragma once
 
-#include <array>
 #include <cstddef>
-#include <span>
+#include <cstdint>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "shapes/face.h"
@@ -11,13 +11,30 @@
 
 namespace varimesh {
 
-// Answers what isEquivOrSubsetOf answers for all faces of a set at once, in constant time. It costs
-// several times the memory of the faces, so sets use it only where a list of faces to be compared
-// one by one has grown long: when many faces have shrunk onto few points.
+// The place of a face in the order in which the faces of a set were inserted.
+using Sequence = std::uint32_t;
+
+// Answers in constant time what otherwise takes a walk through the list of faces at a point. It
+// costs several times the memory of the faces, so sets fill it only with lists that have grown too
+// long to be compared face by face: when many faces have shrunk onto few points.
+//
+// It serves for faces of one number of corners: all that are asked for must have as many.
 class FaceIndex {
  public:
-  // Whether one of the faces contains `corners`. `faces` are all those that the set has so far.
-  bool contains(const Corners& corners, std::span<const Corners> faces, int vertexOrdering);
+  explicit FaceIndex(int vertexOrdering) : vertexOrdering_(vertexOrdering) {}
+
+  // The face last added of the list of equal faces at a point; noShape at first.
+  ShapeId& getNewest(CoordId coord) { return newest_.try_emplace(coord, noShape).first->second; }
+  void addEqual(const Corners& corners, ShapeId face);
+  // The face added that equals `corners`; noShape if there is none.
+  [[nodiscard]] ShapeId findEqual(const Corners& corners) const;
+
+  // Whether the list of bigger faces at a point is to be added: it is asked for the first time.
+  bool isFirstTime(CoordId coord) { return known_.insert(coord).second; }
+  // Adds what a bigger face contains.
+  void addBigger(const Corners& corners, Sequence sequence);
+  // Whether a bigger face, inserted before `sequence`, contains `corners`.
+  [[nodiscard]] bool isWithinBigger(const Corners& corners, Sequence sequence) const;
 
  private:
   struct Hash {
@@ -26,17 +43,14 @@ class FaceIndex {
       return mixHash(mixHash(1, low), std::uint64_t{key[2]} << 32U | key[3]);
     }
   };
-  // For faces of one number of corners: all that would be contained, as far as `count` faces go.
-  struct Table {
-    std::unordered_set<Corners, Hash> keys;
-    std::size_t count = 0;
-  };
 
-  void addSegments(const Corners& face);
-  void addTriangles(const Corners& face);
-  void addQuadrangles(const Corners& face);
+  void addPart(const Corners& part, Sequence sequence);
 
-  std::array<Table, 5> tables_;  // by number of corners
+  int vertexOrdering_;
+  std::unordered_map<CoordId, ShapeId> newest_;
+  std::unordered_map<Corners, ShapeId, Hash> equals_;
+  std::unordered_set<CoordId> known_;
+  std::unordered_map<Corners, Sequence, Hash> parts_;  // the first face that contains it
 };
 
 }  // namespace varimesh

@@ -7,117 +7,91 @@ namespace varimesh {
 int FaceSet::nolines = 0;
 int FaceSet::noquads = 0;
 
-void FaceSet::reserve(std::size_t faces) { faces_.reserve(faces); }
+void FaceSet::reserve(std::size_t faces) {
+  candidates_.corners.reserve(faces);
+  candidates_.sequences.reserve(faces);
+}
 
+// A quadrangle may become two faces, hence the step.
 void FaceSet::insert(const Face& face) {
+  insert(face, candidates_.sequences.empty() ? 0 : candidates_.sequences.back() + 2);
+}
+
+void FaceSet::insert(const Face& face, Sequence sequence) {
   if (face.count == 4) {
-    insertQuadrangle(face);
+    insertQuadrangle(face, sequence);
   } else {
-    insertIfNew(face);
+    insertCandidate(face, sequence);
   }
 }
 
-void FaceSet::insertQuadrangle(const Face& face) {
+void FaceSet::insertQuadrangle(const Face& face, Sequence sequence) {
   const auto& v = face.vertices;
   if (v[0].coord == v[2].coord || v[1].coord == v[3].coord) {
-    insertIfNew(Face(v[0], v[1]));
-    insertIfNew(Face(v[2], v[3]));
+    insertCandidate(Face(v[0], v[1]), sequence);
+    insertCandidate(Face(v[2], v[3]), sequence + 1);
     return;
   }
   const std::array<Vec, 4> points = {getPosition(v[0].coord), getPosition(v[1].coord),
                                      getPosition(v[2].coord), getPosition(v[3].coord)};
   const Quadrangle quadrangle(points);
   if (!quadrangle.isIrregular && noquads == 0) {
-    insertIfNew(face);
+    insertCandidate(face, sequence);
   } else if (quadrangle.diagonal == 0) {
-    insertIfNew(Face(v[0], v[1], v[2]));
-    insertIfNew(Face(v[0], v[2], v[3]));
+    insertCandidate(Face(v[0], v[1], v[2]), sequence);
+    insertCandidate(Face(v[0], v[2], v[3]), sequence + 1);
   } else {
-    insertIfNew(Face(v[1], v[2], v[3]));
-    insertIfNew(Face(v[0], v[1], v[3]));
+    insertCandidate(Face(v[1], v[2], v[3]), sequence);
+    insertCandidate(Face(v[0], v[1], v[3]), sequence + 1);
   }
 }
 
-void FaceSet::insertIfNew(const Face& face) {
+void FaceSet::insertCandidate(const Face& face, Sequence sequence) {
   if (face.count < 2 || (face.count == 2 && nolines != 0)) return;
-  const Corners corners = face.getCorners();
-  if (!insertOk(corners)) return;
-  append(corners);
-  materials.append(face.vertices, &Vertex::material);
-  normals.append(face.vertices, &Vertex::normal);
-  textureCoords.append(face.vertices, &Vertex::textureCoord);
-}
-
-void FaceSet::append(const Corners& corners) {
-  const auto shape = static_cast<ShapeId>(setCount);
-  faces_.push_back(corners);
-  const int n = countCorners(corners);
-  for (unsigned i = 0; i < static_cast<unsigned>(n); ++i) coordSet.addShapeRef(corners[i], shape);
-  ++setCount;
-  if (n == 2) {
-    ++lineCount;
-  } else {
-    ++polygonCount;
-    ++(n == 4 ? quadCount : triCount);
-  }
-}
-
-// A face that contains all corners of the new one stands in the list of each of them, so the
-// shortest list decides.
-bool FaceSet::insertOk(const Corners& corners) {
-  constexpr std::uint32_t longList = 64;
-  const OctreeCoord* least = &coordSet.getOctreeCoord(corners[0]);
-  for (unsigned i = 1; i < 4 && corners[i] != noCoord; ++i) {
-    const OctreeCoord& coord = coordSet.getOctreeCoord(corners[i]);
-    if (coord.shapeCount < least->shapeCount) least = &coord;
-  }
-  if (least->shapeCount > longList) return !index_->contains(corners, faces_, vertexOrdering_);
-  for (std::uint32_t i = least->shapeRefs; i != noShapeRef;) {
-    const ShapeRef& ref = coordSet.getShapeRef(i);
-    if (isEquivOrSubsetOf(corners, faces_[ref.shape], vertexOrdering_)) return false;
-    i = ref.next;
-  }
-  return true;
-}
-
-// Faces that keep four corners come first, then those with three, then segments, so that a smaller
-// face that lies within a bigger one finds it already there.
-std::unique_ptr<ShapeSet> FaceSet::generateNextLOD() {
-  auto next = std::make_unique<FaceSet>(lod + 1, coordSet, attributes, vertexOrdering_);
-  coordSet.deleteShapeRefs();
-  std::vector<ShapeId> triangles;
-  std::vector<ShapeId> lines;
-  for (ShapeId shape = 0; shape < faces_.size(); ++shape) {
-    switch (getVertexCountOfRepresent(shape)) {
-      case 4: next->insert(createRepresent(shape)); break;
-      case 3:
-        if (quadCount == 0) {
-          next->insertTriangle(*this, shape);
-        } else {
-          triangles.push_back(shape);
-        }
-        break;
-      case 2: lines.push_back(shape); break;
-      default: break;
-    }
-  }
-  for (const ShapeId shape : triangles) next->insert(createRepresent(shape));
-  for (const ShapeId shape : lines) next->insert(createRepresent(shape));
-  next->finish();
-  return next;
+  candidates_.corners.push_back(face.getCorners());
+  candidates_.sequences.push_back(sequence);
+  candidates_.numbers.append(face.vertices);
 }
 
 // A triangle whose corners keep apart stays as it is, on other points: the general road would copy
 // corner by corner and find nothing to leave out (a tenth of the time of making a level).
-void FaceSet::insertTriangle(const FaceSet& previous, ShapeId shape) {
+void FaceSet::insertTriangle(const FaceSet& previous, ShapeId shape, Sequence sequence) {
   const Corners& from = previous.faces_[shape];
-  const Corners corners = {coordSet.getRepresent(from[0]), coordSet.getRepresent(from[1]),
-                           coordSet.getRepresent(from[2]), noCoord};
-  if (!insertOk(corners)) return;
-  append(corners);
-  materials.append(previous.materials, shape);
-  normals.append(previous.normals, shape);
-  textureCoords.append(previous.textureCoords, shape);
+  candidates_.corners.push_back({coordSet.getRepresent(from[0]), coordSet.getRepresent(from[1]),
+                                 coordSet.getRepresent(from[2]), noCoord});
+  candidates_.sequences.push_back(sequence);
+  candidates_.numbers.append(previous.numbers, shape);
+}
+
+// Faces that keep four corners are inserted first, then those with three, then segments, each kind
+// in the order of this level.
+std::unique_ptr<ShapeSet> FaceSet::generateNextLOD() {
+  auto next = std::make_unique<FaceSet>(lod + 1, coordSet, attributes, vertexOrdering_);
+  const auto size = static_cast<Sequence>(setCount);
+  const Sequence firstTriangle = quadCount > 0 ? 2 * size : 0;
+  const Sequence firstSegment = firstTriangle + size;
+  for (ShapeId shape = 0; shape < size; ++shape) {
+    const Sequence sequence = sequences_[shape];
+    switch (getVertexCountOfRepresent(shape)) {
+      case 4: next->insert(createRepresent(shape), 2 * sequence); break;
+      case 3:
+        if (faces_[shape][3] == noCoord) {
+          next->insertTriangle(*this, shape, firstTriangle + sequence);
+        } else {
+          next->insert(createRepresent(shape), firstTriangle + sequence);
+        }
+        break;
+      case 2:
+        if (nolines == 0) next->insert(createRepresent(shape), firstSegment + sequence);
+        break;
+      default: break;
+    }
+  }
+  // Only what is written is needed any longer.
+  refs_.clear();
+  std::vector<Sequence>().swap(sequences_);
+  next->finish();
+  return next;
 }
 
 // The number of corners less those whose representative is that of the next corner.
@@ -133,11 +107,6 @@ int FaceSet::getVertexCountOfRepresent(ShapeId shape) const {
   return n;
 }
 
-Vertex FaceSet::getVertex(ShapeId shape, unsigned corner) const {
-  return {faces_[shape][corner], materials.get(shape, corner), normals.get(shape, corner),
-          textureCoords.get(shape, corner)};
-}
-
 // The face on the representatives of its corners. Of several corners with one representative, the
 // one whose place the cluster took supplies the other attributes, if the face has it.
 Face FaceSet::createRepresent(ShapeId shape) const {
@@ -148,8 +117,7 @@ Face FaceSet::createRepresent(ShapeId shape) const {
     const bool isSupplied = selected != coords[i] && selected != noCoord &&
                             std::find(coords.begin(), coords.end(), selected) != coords.end();
     if (isSupplied) continue;
-    vertices[i] = getVertex(shape, i);
-    vertices[i].coord = coordSet.getRepresent(coords[i]);
+    vertices[i] = numbers.getVertex(coordSet.getRepresent(coords[i]), shape, i);
   }
   return Face(vertices[0], vertices[1], vertices[2], vertices[3]);
 }

@@ -6,11 +6,16 @@
 
 #include "shapes/face.h"
 #include "shapes/faceindex.h"
+#include "shapes/facerefs.h"
 #include "shapes/shapeset.h"
-#include "values/lazy.h"
 
 namespace varimesh {
 
+// Faces are inserted as candidates; when the set is finished, those that lie within a face that was
+// inserted before are left out. The others are kept in octree order, so that the faces round a cell
+// lie near each other in memory: a mesh whose faces come in no order at all is simplified almost as
+// fast as one whose faces come in rows. The order in which they were inserted is kept beside them,
+// since all results depend on it.
 class FaceSet : public ShapeSet {
  public:
   static int nolines;  // non-zero: faces that shrink to segments are dropped
@@ -25,18 +30,18 @@ class FaceSet : public ShapeSet {
   int quadCount = 0;
 
   FaceSet(int level, OctreeCoordSet& coords, const ShapeAttributes& given, int ordering)
-      : ShapeSet(level, coords, given, 4), vertexOrdering_(ordering) {}
+      : ShapeSet(level, coords, given, 4),
+        vertexOrdering_(ordering),
+        candidates_{{}, {}, AttributeLists(given, 4)} {}
 
   // Announces about how many faces are coming.
   void reserve(std::size_t faces);
-  // Adds a face unless it is a point, or lies within a face that is there already. A folded
+  // Adds a face unless it is a point, or lies within a face that was added before. A folded
   // quadrangle becomes two segments, one that is not flat enough two triangles.
   void insert(const Face& face);
+  // Decides on all faces inserted; until then the set has none.
+  void finish() override;
   [[nodiscard]] std::unique_ptr<ShapeSet> generateNextLOD() override;
-  void finish() override {
-    index_.reset();
-    ShapeSet::finish();
-  }
   void calcErrors(const CollapsingCell& cell, CellErrors& errors) const override;
   void print(Output& out, int indent, Mode mode) const;
 
@@ -47,22 +52,41 @@ class FaceSet : public ShapeSet {
   }
 
  private:
-  void insertQuadrangle(const Face& face);
-  void insertIfNew(const Face& face);
-  void insertTriangle(const FaceSet& previous, ShapeId shape);
-  void append(const Corners& corners);
-  // Whether no face that is there already contains the new one.
-  [[nodiscard]] bool insertOk(const Corners& corners);
+  struct Candidates {
+    std::vector<Corners> corners;
+    std::vector<Sequence> sequences;
+    AttributeLists numbers;
+  };
+
+  // Adding candidates.
+  void insert(const Face& face, Sequence sequence);
+  void insertQuadrangle(const Face& face, Sequence sequence);
+  void insertCandidate(const Face& face, Sequence sequence);
+  void insertTriangle(const FaceSet& previous, ShapeId shape, Sequence sequence);
+
+  // Choosing among them.
+  [[nodiscard]] bool isScattered() const;
+  [[nodiscard]] std::vector<ShapeId> orderCandidates() const;
+  void insertIfNew(ShapeId candidate, ShapeId firstOfSize);
+  [[nodiscard]] bool isWithinBigger(const Corners& corners, Sequence sequence);
+  [[nodiscard]] ShapeId findEqual(const Corners& corners, ShapeId firstOfSize);
+  [[nodiscard]] FaceIndex& getIndex();
+  void append(ShapeId candidate);
+  void numberFaces();
+
+  // Making the next level.
   [[nodiscard]] int getVertexCountOfRepresent(ShapeId shape) const;
   [[nodiscard]] Face createRepresent(ShapeId shape) const;
-  [[nodiscard]] Vertex getVertex(ShapeId shape, unsigned corner) const;
   [[nodiscard]] Vec getPosition(CoordId coord) const {
     return coordSet.getOctreeCoord(coord).getPosition();
   }
 
   int vertexOrdering_;
+  Candidates candidates_;
   std::vector<Corners> faces_;
-  Lazy<FaceIndex> index_;  // while faces are inserted, for points with very many of them
+  std::vector<Sequence> sequences_;  // beside them
+  FaceRefs refs_;
+  std::unique_ptr<FaceIndex> index_;  // while the set is finished, for points with very many faces
 };
 
 }  // namespace varimesh

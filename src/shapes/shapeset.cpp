@@ -5,18 +5,21 @@
 
 namespace varimesh {
 
-void ShapeSet::finish() {
-  const auto coords = coordSet.getOctreeCoords();
-  writtenIndices_.reserve(coords.size());
-  for (const OctreeCoord& coord : coords) writtenIndices_.push_back(coord.index);
+void ShapeSet::linkNewest(CoordId leastCorner) {
+  nextInList_.push_back(coordSet.setHead(leastCorner, static_cast<ShapeId>(nextInList_.size())));
+}
 
+void ShapeSet::finish() {
+  std::vector<ShapeId>().swap(nextInList_);
+  const auto coords = coordSet.getOctreeCoords();
+  writtenIndices_.resize(coords.size());
   if (setCount == 0) return;
-  const OctreeCoord& first = coords[getCoords(0).front()];
+  const OctreeCoord& first = coords[getCoords(order.empty() ? 0 : order.front()).front()];
   box_.setTo(first.x, first.y, first.z, first.x, first.y, first.z);
-  for (ShapeId shape = 0; shape < static_cast<ShapeId>(setCount); ++shape) {
-    for (const CoordId corner : getCoords(shape)) {
-      box_.enlargeIfOutside(coords[corner].x, coords[corner].y, coords[corner].z);
-    }
+  for (std::size_t i = 0; i < coords.size(); ++i) {
+    const OctreeCoord& coord = coords[i];
+    writtenIndices_[i] = coord.index;
+    if (coord.isUsed) box_.enlargeIfOutside(coord.x, coord.y, coord.z);
   }
 }
 
@@ -25,7 +28,8 @@ void ShapeSet::printIndexFields(Output& out, int indent, int endCount,
   const auto forEachTaken = [&](int column, auto printShape) {
     global_cpl = 0;
     bool isFirst = true;
-    for (ShapeId shape = 0; shape < static_cast<ShapeId>(setCount); ++shape) {
+    for (ShapeId i = 0; i < static_cast<ShapeId>(setCount); ++i) {
+      const ShapeId shape = order.empty() ? i : order[i];
       const auto coords = getCoords(shape);
       if (!isTaken(coords)) continue;
       if (!isFirst) {
@@ -64,9 +68,9 @@ void ShapeSet::printIndexFields(Output& out, int indent, int endCount,
   printField(FIELD_coordIndex, [&](ShapeId, std::span<const CoordId> coords) {
     printCorners(coords.size(), [&](unsigned i) { return getWrittenIndex(coords[i]); });
   });
-  printAttribute(FIELD_materialIndex, materials);
-  printAttribute(FIELD_normalIndex, normals);
-  printAttribute(FIELD_textureCoordIndex, textureCoords);
+  printAttribute(FIELD_materialIndex, numbers.materials);
+  printAttribute(FIELD_normalIndex, numbers.normals);
+  printAttribute(FIELD_textureCoordIndex, numbers.textureCoords);
 }
 
 }  // namespace varimesh

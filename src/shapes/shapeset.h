@@ -1,6 +1,7 @@
 // What the sets of faces and of lines of one level have in common.
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -44,9 +45,18 @@ class AttributeList {
   // Takes over what another list has for a shape with the same corners.
   void append(const AttributeList& other, ShapeId shape) {
     if (per_ == Per::none) return;
-    const auto first =
-        other.numbers_.begin() + static_cast<std::ptrdiff_t>(std::size_t{shape} * stride_);
-    numbers_.insert(numbers_.end(), first, first + static_cast<std::ptrdiff_t>(stride_));
+    const int* const first = other.numbers_.data() + std::size_t{shape} * stride_;
+    if (stride_ == 1) {
+      numbers_.push_back(*first);
+    } else {
+      numbers_.insert(numbers_.end(), first, first + stride_);
+    }
+  }
+  // Replaces what it has for a shape by what another list has for a candidate.
+  void replace(ShapeId shape, const AttributeList& other, ShapeId candidate) {
+    if (per_ == Per::none) return;
+    std::copy_n(other.numbers_.data() + std::size_t{candidate} * stride_, stride_,
+                numbers_.data() + std::size_t{shape} * stride_);
   }
   [[nodiscard]] int get(ShapeId shape, unsigned corner) const {
     if (per_ == Per::none) return noIndex;
@@ -59,6 +69,38 @@ class AttributeList {
   std::vector<int> numbers_;
 };
 
+// All attributes of the shapes of a set.
+struct AttributeLists {
+  AttributeList materials;
+  AttributeList normals;
+  AttributeList textureCoords;
+
+  AttributeLists(const ShapeAttributes& given, unsigned corners)
+      : materials(given.hasMaterials, given.materialBinding, corners),
+        normals(given.hasNormals, given.normalBinding, corners),
+        textureCoords(given.hasTextureCoords, PER_VERTEX_INDEXED, corners) {}
+
+  void append(std::span<const Vertex> vertices) {
+    materials.append(vertices, &Vertex::material);
+    normals.append(vertices, &Vertex::normal);
+    textureCoords.append(vertices, &Vertex::textureCoord);
+  }
+  void append(const AttributeLists& other, ShapeId shape) {
+    materials.append(other.materials, shape);
+    normals.append(other.normals, shape);
+    textureCoords.append(other.textureCoords, shape);
+  }
+  void replace(ShapeId shape, const AttributeLists& other, ShapeId candidate) {
+    materials.replace(shape, other.materials, candidate);
+    normals.replace(shape, other.normals, candidate);
+    textureCoords.replace(shape, other.textureCoords, candidate);
+  }
+  [[nodiscard]] Vertex getVertex(CoordId coord, ShapeId shape, unsigned corner) const {
+    return {coord, materials.get(shape, corner), normals.get(shape, corner),
+            textureCoords.get(shape, corner)};
+  }
+};
+
 // The faces or lines of one shape at one level of detail.
 class ShapeSet : public Shape {
  public:
@@ -67,12 +109,7 @@ class ShapeSet : public Shape {
   float range = 0;   // distance from which the next level may be shown; 0 until known
 
   ShapeSet(int level, OctreeCoordSet& coords, const ShapeAttributes& given, unsigned corners)
-      : lod(level),
-        attributes(given),
-        coordSet(coords),
-        materials(given.hasMaterials, given.materialBinding, corners),
-        normals(given.hasNormals, given.normalBinding, corners),
-        textureCoords(given.hasTextureCoords, PER_VERTEX_INDEXED, corners) {}
+      : lod(level), attributes(given), coordSet(coords), numbers(given, corners) {}
 
   // Makes the set of the next level, after the coordinate set has made that level.
   [[nodiscard]] virtual std::unique_ptr<ShapeSet> generateNextLOD() = 0;
@@ -87,9 +124,20 @@ class ShapeSet : public Shape {
  protected:
   ShapeAttributes attributes;
   OctreeCoordSet& coordSet;
-  AttributeList materials;
-  AttributeList normals;
-  AttributeList textureCoords;
+  AttributeLists numbers;
+  // The shapes in the order in which they are written; empty when that is their own order.
+  std::vector<ShapeId> order;
+
+  // Equal shapes have the same least corner, so those of each least corner form a list.
+  void linkNewest(CoordId leastCorner);
+  // Calls visit(shape) for the shapes with that least corner, newest first, until it answers false.
+  template <class Visit>
+  void forEachInList(CoordId leastCorner, Visit visit) const {
+    ShapeId shape = coordSet.getOctreeCoord(leastCorner).shapes;
+    while (shape != noShape && visit(shape)) shape = nextInList_[shape];
+  }
+  // The length from which lists of shapes are no longer compared one by one.
+  static constexpr std::size_t longList = 64;
 
   // The points of a shape's corners.
   [[nodiscard]] virtual std::span<const CoordId> getCoords(ShapeId shape) const = 0;
@@ -102,6 +150,7 @@ class ShapeSet : public Shape {
 
  private:
   Bounds box_;
+  std::vector<ShapeId> nextInList_;  // by shape, until the set is finished
   std::vector<int> writtenIndices_;
 };
 
