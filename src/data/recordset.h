@@ -45,6 +45,7 @@ class RecordSet : public DataSet {
     forEachWritten(array.getSize(),
                    [&](int, Reference reference) { records[reference].index = next++; });
     count = next;
+    isRenumbered_ = next != static_cast<int>(records.size());
   }
 
   // Writes the records as one list in the order of setIndices; `field` is handed to each.
@@ -53,8 +54,12 @@ class RecordSet : public DataSet {
   }
 
   [[nodiscard]] bool isEmpty() const { return records.empty(); }
-  // The number under which the value at an input position is written.
-  [[nodiscard]] int getWrittenIndex(int position) const { return records[array[position]].index; }
+  // The number under which the value at an input position is written, after setIndices. As long as
+  // every record is written once, that is the number of the record.
+  [[nodiscard]] int getWrittenIndex(int position) const {
+    const Reference reference = array[position];
+    return isRenumbered_ ? records[reference].index : static_cast<int>(reference);
+  }
 
  protected:
   std::vector<Record> records;
@@ -82,6 +87,7 @@ class RecordSet : public DataSet {
     }
   }
 
+  bool isRenumbered_ = false;
   std::vector<std::uint32_t> slots_;  // record number plus one; 0 is free; a power of two of them
 };
 

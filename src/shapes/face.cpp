@@ -39,11 +39,11 @@ bool isEquivOrSubsetOf(const Corners& corners, const Corners& other, int vertexO
     return false;
   }
   if (n == 2) {
-    const auto isDiagonal = [&](unsigned k) {
-      return m == 4 && corners[0] == other[k] && corners[1] == other[(k + 2) % 4];
+    // Any two corners of a face are neighbours or ends of a diagonal.
+    const auto isCorner = [&](CoordId coord) {
+      return coord == other[0] || coord == other[1] || coord == other[2] || coord == other[3];
     };
-    return isRun(corners, 2, other, m, 1) || isRun(corners, 2, other, m, -1) || isDiagonal(0) ||
-           isDiagonal(1) || isDiagonal(2) || isDiagonal(3);
+    return isCorner(corners[0]) && isCorner(corners[1]);
   }
   return isRun(corners, n, other, m, 1) || (vertexOrdering == 0 && isRun(corners, n, other, m, -1));
 }

@@ -6,6 +6,8 @@
 // with more corners, about which all is decided by then, or by an equal one, and of faces equal to
 // each other the one inserted first that no bigger face contains is the one to stay.
 #include <algorithm>
+#include <span>
+#include <utility>
 
 #include "shapes/faceset.h"
 
@@ -16,33 +18,39 @@ CoordId getLeastCorner(const Corners& corners) {
   return *std::min_element(corners.begin(), corners.end());  // empty slots are greater
 }
 
+// Equal for equal faces, and different for most others.
+CoordId sumCorners(const Corners& corners) {
+  return corners[0] + corners[1] + corners[2] + corners[3];
+}
+
 }  // namespace
 
 void FaceSet::finish() {
-  const std::vector<ShapeId> choice = orderCandidates();
-  const std::size_t candidateCount = candidates_.corners.size();
+  sortCandidates();
   const std::size_t pointCount = coordSet.getOctreeCoords().size();
-  faces_.reserve(candidateCount);
-  sequences_.reserve(candidateCount);
-  std::size_t i = 0;
+  const auto candidateCount = static_cast<ShapeId>(faces_.size());
+  reserveList(candidateCount);
+  ShapeId candidate = 0;
   int refCount = -1;  // the faces that refs_ was built for
+  const auto buildRefs = [&] {
+    const auto chosen = static_cast<std::size_t>(setCount);
+    refs_.build(pointCount, std::span(faces_).first(chosen), std::span(sequences_).first(chosen));
+    refCount = setCount;
+  };
   for (int n = 4; n >= 2; --n) {
     const auto firstOfSize = static_cast<ShapeId>(setCount);
-    for (; i < candidateCount; ++i) {
-      const ShapeId candidate = choice.empty() ? static_cast<ShapeId>(i) : choice[i];
-      if (countCorners(candidates_.corners[candidate]) != n) break;
-      if (firstOfSize > 0 && refCount < static_cast<int>(firstOfSize)) {
-        refs_.build(pointCount, faces_, sequences_);
-        refCount = static_cast<int>(firstOfSize);
-      }
-      insertIfNew(candidate, firstOfSize);
-    }
+    const auto isOfSize = [&] {
+      return candidate < candidateCount && countCorners(faces_[candidate]) == n;
+    };
+    if (firstOfSize > 0 && isOfSize()) buildRefs();
+    for (; isOfSize(); ++candidate) insertIfNew(candidate, firstOfSize);
     index_.reset();  // it serves for faces of one size
   }
-  candidates_ = {{}, {}, AttributeLists(attributes, 4)};
-  if (refCount < polygonCount && coordSet.isWithLevels()) {
-    refs_.build(pointCount, faces_, sequences_);
-  }
+  const auto chosen = static_cast<ShapeId>(setCount);
+  faces_.resize(chosen);
+  sequences_.resize(chosen);
+  numbers.resize(chosen);
+  if (refCount < polygonCount && coordSet.isWithLevels()) buildRefs();
   numberFaces();
   ShapeSet::finish();
 }
@@ -53,53 +61,74 @@ bool FaceSet::isScattered() const {
   constexpr CoordId far = 1024;  // points; that many with their faces fit into a cache
   std::size_t jumps = 0;
   CoordId before = 0;
-  for (const Corners& corners : candidates_.corners) {
+  for (const Corners& corners : faces_) {
     const CoordId least = getLeastCorner(corners);
     jumps += std::max(least, before) - std::min(least, before) > far ? 1 : 0;
     before = least;
   }
-  return jumps > candidates_.corners.size() / 4;
+  return jumps > faces_.size() / 4;
 }
 
-// The candidates in the order in which they are decided on; empty when that is their own order.
-// Later levels inherit the octree order of the first, more or less.
-std::vector<ShapeId> FaceSet::orderCandidates() const {
-  const auto& corners = candidates_.corners;
+// Puts the candidates into the order in which they are decided on. Later levels inherit the octree
+// order of the first, more or less.
+void FaceSet::sortCandidates() {
   const bool isByLeastCorner = lod == 0 && coordSet.isWithLevels() && isScattered();
   const auto getRank = [&](const Corners& c) -> std::size_t {
     const auto size = static_cast<std::size_t>(4 - countCorners(c));
     if (!isByLeastCorner) return size;
     return size * coordSet.getOctreeCoords().size() + getLeastCorner(c);
   };
-  std::vector<ShapeId> choice;
-  if (std::is_sorted(corners.begin(), corners.end(), [&](const Corners& a, const Corners& b) {
-        return getRank(a) < getRank(b);
-      })) {
-    return choice;
+  if (std::is_sorted(faces_.begin(), faces_.end(),
+                     [&](const Corners& a, const Corners& b) { return getRank(a) < getRank(b); })) {
+    return;
   }
   std::vector<std::uint32_t> begins;
-  for (const Corners& c : corners) {
-    const std::size_t rank = getRank(c) + 1;
+  for (const Corners& corners : faces_) {
+    const std::size_t rank = getRank(corners) + 1;
     if (begins.size() <= rank) begins.resize(rank + 1);
     ++begins[rank];
   }
   for (std::size_t i = 1; i < begins.size(); ++i) begins[i] += begins[i - 1];
-  choice.resize(corners.size());
-  for (ShapeId i = 0; i < corners.size(); ++i) choice[begins[getRank(corners[i])]++] = i;
-  return choice;
+  std::vector<ShapeId> sorted(faces_.size());
+  for (ShapeId i = 0; i < faces_.size(); ++i) sorted[begins[getRank(faces_[i])]++] = i;
+
+  std::vector<Corners> faces;
+  std::vector<Sequence> sequences;
+  AttributeLists sortedNumbers(attributes, 4);
+  faces.reserve(faces_.size());
+  sequences.reserve(faces_.size());
+  for (const ShapeId candidate : sorted) {
+    faces.push_back(faces_[candidate]);
+    sequences.push_back(sequences_[candidate]);
+    sortedNumbers.append(numbers, candidate);
+  }
+  faces_ = std::move(faces);
+  sequences_ = std::move(sequences);
+  numbers = std::move(sortedNumbers);
 }
 
+// The faces chosen so far stand in front of the candidates that are left.
 void FaceSet::insertIfNew(ShapeId candidate, ShapeId firstOfSize) {
-  const Corners& corners = candidates_.corners[candidate];
-  const Sequence sequence = candidates_.sequences[candidate];
+  const Corners corners = faces_[candidate];
+  const Sequence sequence = sequences_[candidate];
   if (firstOfSize > 0 && isWithinBigger(corners, sequence)) return;
   const ShapeId equal = findEqual(corners, firstOfSize);
-  if (equal == noShape) {
-    append(candidate);
-  } else if (sequence < sequences_[equal]) {
-    faces_[equal] = corners;
-    sequences_[equal] = sequence;
-    numbers.replace(equal, candidates_.numbers, candidate);
+  if (equal != noShape && sequences_[equal] < sequence) return;
+  const auto place = equal != noShape ? equal : static_cast<ShapeId>(setCount);
+  faces_[place] = corners;
+  sequences_[place] = sequence;
+  numbers.move(candidate, place);
+  if (equal != noShape) return;
+
+  const int n = countCorners(corners);
+  for (unsigned i = 0; i < static_cast<unsigned>(n); ++i) coordSet.use(corners[i]);
+  linkNewest(getLeastCorner(corners));
+  ++setCount;
+  if (n == 2) {
+    ++lineCount;
+  } else {
+    ++polygonCount;
+    ++(n == 4 ? quadCount : triCount);
   }
 }
 
@@ -129,9 +158,13 @@ ShapeId FaceSet::findEqual(const Corners& corners, ShapeId firstOfSize) {
   const CoordId least = getLeastCorner(corners);
   ShapeId equal = noShape;
   std::size_t length = 0;
+  const CoordId sum = sumCorners(corners);
   forEachInList(least, [&](ShapeId face) {
     if (face < firstOfSize) return false;
-    if (isEquivOrSubsetOf(corners, faces_[face], vertexOrdering_)) equal = face;
+    if (sumCorners(faces_[face]) == sum &&
+        isEquivOrSubsetOf(corners, faces_[face], vertexOrdering_)) {
+      equal = face;
+    }
     return equal == noShape && ++length <= longList;
   });
   if (length <= longList) return equal;
@@ -151,23 +184,6 @@ ShapeId FaceSet::findEqual(const Corners& corners, ShapeId firstOfSize) {
 FaceIndex& FaceSet::getIndex() {
   if (index_ == nullptr) index_ = std::make_unique<FaceIndex>(vertexOrdering_);
   return *index_;
-}
-
-void FaceSet::append(ShapeId candidate) {
-  const Corners& corners = candidates_.corners[candidate];
-  faces_.push_back(corners);
-  sequences_.push_back(candidates_.sequences[candidate]);
-  numbers.append(candidates_.numbers, candidate);
-  const int n = countCorners(corners);
-  for (unsigned i = 0; i < static_cast<unsigned>(n); ++i) coordSet.use(corners[i]);
-  linkNewest(getLeastCorner(corners));
-  ++setCount;
-  if (n == 2) {
-    ++lineCount;
-  } else {
-    ++polygonCount;
-    ++(n == 4 ? quadCount : triCount);
-  }
 }
 
 // Replaces the sequence numbers by places: 0, 1, 2 and so on, without gaps.

@@ -8,13 +8,13 @@ int FaceSet::nolines = 0;
 int FaceSet::noquads = 0;
 
 void FaceSet::reserve(std::size_t faces) {
-  candidates_.corners.reserve(faces);
-  candidates_.sequences.reserve(faces);
+  faces_.reserve(faces);
+  sequences_.reserve(faces);
 }
 
 // A quadrangle may become two faces, hence the step.
 void FaceSet::insert(const Face& face) {
-  insert(face, candidates_.sequences.empty() ? 0 : candidates_.sequences.back() + 2);
+  insert(face, sequences_.empty() ? 0 : sequences_.back() + 2);
 }
 
 void FaceSet::insert(const Face& face, Sequence sequence) {
@@ -48,19 +48,18 @@ void FaceSet::insertQuadrangle(const Face& face, Sequence sequence) {
 
 void FaceSet::insertCandidate(const Face& face, Sequence sequence) {
   if (face.count < 2 || (face.count == 2 && nolines != 0)) return;
-  candidates_.corners.push_back(face.getCorners());
-  candidates_.sequences.push_back(sequence);
-  candidates_.numbers.append(face.vertices);
+  faces_.push_back(face.getCorners());
+  sequences_.push_back(sequence);
+  numbers.append(face.vertices);
 }
 
-// A triangle whose corners keep apart stays as it is, on other points: the general road would copy
+// A face whose corners keep apart stays as it is, on other points: the general road would copy
 // corner by corner and find nothing to leave out (a tenth of the time of making a level).
-void FaceSet::insertTriangle(const FaceSet& previous, ShapeId shape, Sequence sequence) {
-  const Corners& from = previous.faces_[shape];
-  candidates_.corners.push_back({coordSet.getRepresent(from[0]), coordSet.getRepresent(from[1]),
-                                 coordSet.getRepresent(from[2]), noCoord});
-  candidates_.sequences.push_back(sequence);
-  candidates_.numbers.append(previous.numbers, shape);
+void FaceSet::insertRepresent(const FaceSet& previous, ShapeId shape, Sequence sequence,
+                              const Corners& corners) {
+  faces_.push_back(corners);
+  sequences_.push_back(sequence);
+  numbers.append(previous.numbers, shape);
 }
 
 // Faces that keep four corners are inserted first, then those with three, then segments, each kind
@@ -70,22 +69,29 @@ std::unique_ptr<ShapeSet> FaceSet::generateNextLOD() {
   const auto size = static_cast<Sequence>(setCount);
   const Sequence firstTriangle = quadCount > 0 ? 2 * size : 0;
   const Sequence firstSegment = firstTriangle + size;
+  std::vector<ShapeId> lines;
   for (ShapeId shape = 0; shape < size; ++shape) {
     const Sequence sequence = sequences_[shape];
-    switch (getVertexCountOfRepresent(shape)) {
-      case 4: next->insert(createRepresent(shape), 2 * sequence); break;
-      case 3:
-        if (faces_[shape][3] == noCoord) {
-          next->insertTriangle(*this, shape, firstTriangle + sequence);
-        } else {
-          next->insert(createRepresent(shape), firstTriangle + sequence);
-        }
-        break;
-      case 2:
-        if (nolines == 0) next->insert(createRepresent(shape), firstSegment + sequence);
-        break;
-      default: break;
+    const Corners represents = getRepresents(shape);
+    const int n = countCorners(represents);
+    // The number of corners less those whose representative is that of the next corner.
+    int count = 0;
+    for (unsigned i = 0, before = static_cast<unsigned>(n) - 1; i < static_cast<unsigned>(n); ++i) {
+      if (represents[i] != represents[before]) ++count;
+      before = i;
     }
+    if (count == 4) {
+      next->insert(createRepresent(shape), 2 * sequence);
+    } else if (count == 3 && n == 3) {
+      next->insertRepresent(*this, shape, firstTriangle + sequence, represents);
+    } else if (count == 3) {
+      next->insert(createRepresent(shape), firstTriangle + sequence);
+    } else if (count == 2 && nolines == 0) {
+      lines.push_back(shape);
+    }
+  }
+  for (const ShapeId shape : lines) {
+    next->insert(createRepresent(shape), firstSegment + sequences_[shape]);
   }
   // Only what is written is needed any longer.
   refs_.clear();
@@ -94,17 +100,12 @@ std::unique_ptr<ShapeSet> FaceSet::generateNextLOD() {
   return next;
 }
 
-// The number of corners less those whose representative is that of the next corner.
-int FaceSet::getVertexCountOfRepresent(ShapeId shape) const {
-  const auto coords = getCoords(shape);
-  int n = 0;
-  CoordId before = coordSet.getRepresent(coords.back());
-  for (const CoordId coord : coords) {
-    const CoordId represent = coordSet.getRepresent(coord);
-    if (represent != before) ++n;
-    before = represent;
+Corners FaceSet::getRepresents(ShapeId shape) const {
+  Corners corners = faces_[shape];
+  for (CoordId& corner : corners) {
+    if (corner != noCoord) corner = coordSet.getRepresent(corner);
   }
-  return n;
+  return corners;
 }
 
 // The face on the representatives of its corners. Of several corners with one representative, the

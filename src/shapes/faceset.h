@@ -30,9 +30,7 @@ class FaceSet : public ShapeSet {
   int quadCount = 0;
 
   FaceSet(int level, OctreeCoordSet& coords, const ShapeAttributes& given, int ordering)
-      : ShapeSet(level, coords, given, 4),
-        vertexOrdering_(ordering),
-        candidates_{{}, {}, AttributeLists(given, 4)} {}
+      : ShapeSet(level, coords, given, 4), vertexOrdering_(ordering) {}
 
   // Announces about how many faces are coming.
   void reserve(std::size_t faces);
@@ -52,38 +50,31 @@ class FaceSet : public ShapeSet {
   }
 
  private:
-  struct Candidates {
-    std::vector<Corners> corners;
-    std::vector<Sequence> sequences;
-    AttributeLists numbers;
-  };
-
   // Adding candidates.
   void insert(const Face& face, Sequence sequence);
   void insertQuadrangle(const Face& face, Sequence sequence);
   void insertCandidate(const Face& face, Sequence sequence);
-  void insertTriangle(const FaceSet& previous, ShapeId shape, Sequence sequence);
+  void insertRepresent(const FaceSet& previous, ShapeId shape, Sequence sequence,
+                       const Corners& corners);
 
   // Choosing among them.
+  void sortCandidates();
   [[nodiscard]] bool isScattered() const;
-  [[nodiscard]] std::vector<ShapeId> orderCandidates() const;
   void insertIfNew(ShapeId candidate, ShapeId firstOfSize);
   [[nodiscard]] bool isWithinBigger(const Corners& corners, Sequence sequence);
   [[nodiscard]] ShapeId findEqual(const Corners& corners, ShapeId firstOfSize);
   [[nodiscard]] FaceIndex& getIndex();
-  void append(ShapeId candidate);
   void numberFaces();
 
   // Making the next level.
-  [[nodiscard]] int getVertexCountOfRepresent(ShapeId shape) const;
+  [[nodiscard]] Corners getRepresents(ShapeId shape) const;
   [[nodiscard]] Face createRepresent(ShapeId shape) const;
   [[nodiscard]] Vec getPosition(CoordId coord) const {
     return coordSet.getOctreeCoord(coord).getPosition();
   }
 
   int vertexOrdering_;
-  Candidates candidates_;
-  std::vector<Corners> faces_;
+  std::vector<Corners> faces_;       // until the set is finished: the candidates
   std::vector<Sequence> sequences_;  // beside them
   FaceRefs refs_;
   std::unique_ptr<FaceIndex> index_;  // while the set is finished, for points with very many faces

@@ -5,10 +5,6 @@
 
 namespace varimesh {
 
-void ShapeSet::linkNewest(CoordId leastCorner) {
-  nextInList_.push_back(coordSet.setHead(leastCorner, static_cast<ShapeId>(nextInList_.size())));
-}
-
 void ShapeSet::finish() {
   std::vector<ShapeId>().swap(nextInList_);
   const auto coords = coordSet.getOctreeCoords();

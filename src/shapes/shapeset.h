@@ -52,11 +52,14 @@ class AttributeList {
       numbers_.insert(numbers_.end(), first, first + stride_);
     }
   }
-  // Replaces what it has for a shape by what another list has for a candidate.
-  void replace(ShapeId shape, const AttributeList& other, ShapeId candidate) {
-    if (per_ == Per::none) return;
-    std::copy_n(other.numbers_.data() + std::size_t{candidate} * stride_, stride_,
-                numbers_.data() + std::size_t{shape} * stride_);
+  // Copies what it has for one shape to the place of another.
+  void move(ShapeId from, ShapeId to) {
+    if (per_ == Per::none || from == to) return;
+    std::copy_n(numbers_.data() + std::size_t{from} * stride_, stride_,
+                numbers_.data() + std::size_t{to} * stride_);
+  }
+  void resize(std::size_t shapes) {
+    if (per_ != Per::none) numbers_.resize(shapes * stride_);
   }
   [[nodiscard]] int get(ShapeId shape, unsigned corner) const {
     if (per_ == Per::none) return noIndex;
@@ -90,10 +93,15 @@ struct AttributeLists {
     normals.append(other.normals, shape);
     textureCoords.append(other.textureCoords, shape);
   }
-  void replace(ShapeId shape, const AttributeLists& other, ShapeId candidate) {
-    materials.replace(shape, other.materials, candidate);
-    normals.replace(shape, other.normals, candidate);
-    textureCoords.replace(shape, other.textureCoords, candidate);
+  void move(ShapeId from, ShapeId to) {
+    materials.move(from, to);
+    normals.move(from, to);
+    textureCoords.move(from, to);
+  }
+  void resize(std::size_t shapes) {
+    materials.resize(shapes);
+    normals.resize(shapes);
+    textureCoords.resize(shapes);
   }
   [[nodiscard]] Vertex getVertex(CoordId coord, ShapeId shape, unsigned corner) const {
     return {coord, materials.get(shape, corner), normals.get(shape, corner),
@@ -129,7 +137,10 @@ class ShapeSet : public Shape {
   std::vector<ShapeId> order;
 
   // Equal shapes have the same least corner, so those of each least corner form a list.
-  void linkNewest(CoordId leastCorner);
+  void reserveList(std::size_t shapes) { nextInList_.reserve(shapes); }
+  void linkNewest(CoordId leastCorner) {
+    nextInList_.push_back(coordSet.setHead(leastCorner, static_cast<ShapeId>(nextInList_.size())));
+  }
   // Calls visit(shape) for the shapes with that least corner, newest first, until it answers false.
   template <class Visit>
   void forEachInList(CoordId leastCorner, Visit visit) const {

@@ -45,11 +45,6 @@ Output::Output(std::FILE* file) : file_(file), buffer_(new char[capacity]) {}
 
 Output::~Output() { flush(); }
 
-void Output::writeInt(int number) {
-  char* room = reserve(16);
-  advance(std::to_chars(room, room + 16, number).ptr);
-}
-
 bool Output::flush() {
   if (errno_ == 0 && used_ > 0 && std::fwrite(buffer_.get(), 1, used_, file_) != used_) {
     errno_ = errno != 0 ? errno : EIO;
