@@ -223,6 +223,7 @@ TEST_F(CliTest, WritesAScene) {
 Separator {
   Coordinate3 { point [ 0 0 0, 1 0 0, 1 1 0, 0 1 0, 0 0 1, 1 0 1, 1 1 1, 0 1 1, 1 0 0 ] }
   IndexedFaceSet { coordIndex [ 0,3,2,1,-1, 4,5,6,7,-1, 0,8,5,4,-1, 1,2,6,5 ] }
+  AsciiText { string [ "a", "b" ] }
 }
 )";
   EXPECT_EQ(convert(cube, {"-c", "0.5", "-I", "2", "-T", "4", "-D", "9", "-F", "7"}),
@@ -246,6 +247,10 @@ Separator {
                 "\t}\n"
                 "\tSeparator {\n"
                 "\t}\n"
+                "  }\n"
+                "  AsciiText {\n"
+                "\tstring [ \"a\",\n"
+                "\t\t\t\"b\" ]\n"
                 "  }\n"
                 "}\n");
 }
@@ -329,7 +334,7 @@ TEST_F(CliTest, StandardOutputThatCannotBeWritten) {
   dir.write("in.wrl", scene);
   const std::string program = VARIMESH_PROGRAM;
   for (const std::string& command :
-       {program + " in.wrl >&-", program + " in.wrl >/dev/full",
+       {program + " in.wrl >&-", program + " in.wrl <&- >&-", program + " in.wrl >/dev/full",
         "(sleep 0.2; " + program + " in.wrl; echo $? >status) | : ; exit $(cat status)"}) {
     const ProgramResult result = runCommand("/bin/sh", {"-c", command}, dir.path());
     EXPECT_EQ(result.status, 1) << command;
