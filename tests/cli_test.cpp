@@ -276,6 +276,12 @@ TEST_F(CliTest, TheFirstCameraSetsTheAngleUnlessItIsGiven) {
             narrow);
 }
 
+TEST_F(CliTest, ADifferenceThatIsNoNumberIsTheLeast) {
+  const std::string asteroid =
+      readFile(std::filesystem::path(VARIMESH_SOURCE_DIR) / "examples" / "asteroid.wrl");
+  EXPECT_EQ(convert(asteroid, {"-m", "nan"}), convert(asteroid, {"-m", "0"}));
+}
+
 TEST_F(CliTest, FilesThatCannotBeUsed) {
   dir.write("in.wrl", scene);
   ProgramResult result = run({"none.wrl"});

@@ -194,10 +194,24 @@ TEST(Shapes, SayThatTheirFacesAreConvexWhereNothingElseDoes) {
   const std::string face = "Coordinate3 { " + points + " } IndexedFaceSet { coordIndex [ 0,1,2 ] }";
   const std::string written = "} IndexedFaceSet { coordIndex [ 0,1,2,-1 ] } } ";
   EXPECT_TRUE(run("ShapeHints { creaseAngle 0.5 }" + face).text.ends_with(" ] " + written));
+  EXPECT_TRUE(run("ShapeHints { faceType 5 }" + face).text.ends_with(" ] " + written));
   const std::string text =
       run("ShapeHints { shapeType SOLID faceType UNKNOWN_FACE_TYPE }" + face).text;
   EXPECT_TRUE(text.ends_with("ShapeHints { shapeType SOLID faceType CONVEX " + written + "} "))
       << text;
+}
+
+TEST(Shapes, OfOneMaterialNeedNoIndices) {
+  const std::string face = "MaterialBinding { value PER_FACE_INDEXED } Coordinate3 { " + points +
+                           " } IndexedFaceSet { coordIndex [ 0,1,2 ] materialIndex [ 1 ] }";
+  const std::string one = run("Material { diffuseColor [ 1 0 0, 1 0 0 ] }" + face).text;
+  EXPECT_TRUE(
+      one.ends_with("Separator { MaterialBinding { value OVERALL } IndexedFaceSet { "
+                    "coordIndex [ 0,1,2,-1 ] } } } "))
+      << one;
+  const std::string two = run("Material { diffuseColor [ 1 0 0, 0 1 0 ] }" + face).text;
+  EXPECT_TRUE(two.ends_with("} IndexedFaceSet { coordIndex [ 0,1,2,-1 ] materialIndex [ 1 ] } } "))
+      << two;
 }
 
 TEST(Shapes, WithoutDataAreWrittenEmpty) {
