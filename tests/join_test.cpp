@@ -66,6 +66,7 @@ TEST(Join, EqualSeparatorsBecomeOne) {
   // One that a USE refers to stays as it is, and so does what is not shown together.
   EXPECT_EQ(run("DEF A " + triangle(0, "") + triangle(1, "") + "USE A Cube { }").removed, 0);
   EXPECT_EQ(run(triangle(0, "") + "DEF A " + triangle(1, "") + "USE A Cube { }").removed, 0);
+  EXPECT_EQ(run("Separator { } DEF A Separator { } USE A Cube { }").removed, 0);
   EXPECT_EQ(run("DEF A Group { " + triangle(0, "") + triangle(1, "") + "} USE A").removed, 0);
   // Nor do groups meet that declare other fields.
   EXPECT_EQ(run(triangle(0, "fields [ SFLong a ]") + triangle(1, "") + "Cube { }").removed, 0);
@@ -134,6 +135,9 @@ TEST(Join, WhatWouldShowIsNotJoined) {
   EXPECT_EQ(run(group("1 0 0") + group("0 1 0") + "Cube { }").removed, 0);
   EXPECT_EQ(run(group("1 0 0") + group("1 0 0") + "Cube { }").removed, 4);
   EXPECT_EQ(run(group("1 0 0") + "Group { Cube { } }" + group("1 0 0") + "Cube { }").removed, 0);
+  const std::string binding = "Group { NormalBinding { value OVERALL } } ";
+  EXPECT_EQ(run(binding + binding + "Cube { }").removed, 2);
+  EXPECT_EQ(run(binding + "Group { Cube { } }" + binding + "Cube { }").removed, 0);
   // Numbers out of range stay an error.
   const Joined wrong =
       run("Separator { Coordinate3 { point [ 0 0 0, 1 0 0, 0 1 0 ] } IndexedFaceSet "
