@@ -631,10 +631,25 @@ void writeOutline(SceneText& text, std::span<const std::array<double, 2>> outlin
   text.write("  }\n}\n");
 }
 
-void writeComb(SceneText& text, int size, Random& random) {
+std::vector<std::array<double, 2>> makeComb(int size, Random& random) {
   std::vector<std::array<double, 2>> outline = {{0, -1}, {double(size), -1}};
   for (int x = size - 2; x > 0; --x) {
     outline.push_back({double(x), x % 2 == 0 ? random.between(0, 1) : random.between(90, 100)});
+  }
+  return outline;
+}
+
+void writeComb(SceneText& text, int size, Random& random) {
+  writeOutline(text, makeComb(size, random));
+}
+
+// Long teeth that run along no axis.
+void writeDiagonalComb(SceneText& text, int size, Random& random) {
+  std::vector<std::array<double, 2>> outline = makeComb(size, random);
+  for (auto& [x, y] : outline) {
+    const double along = y * size / 100;
+    y = along + x;
+    x = along - x;
   }
   writeOutline(text, outline);
 }
@@ -756,7 +771,7 @@ void writeDeepLines(SceneText& text, int size, Random& random) {
 
 using Writer = void (*)(SceneText& text, int size, Random& random);
 
-constexpr std::array<std::pair<SceneKind, Writer>, 21> table = {{
+constexpr std::array<std::pair<SceneKind, Writer>, 22> table = {{
     {{"sphere", "triangles", "a smooth closed mesh"}, writeSphere},
     {{"terrain", "triangles", "a rough height field"}, writeTerrain},
     {{"body", "triangles", "an irregular closed mesh with noise, as if scanned"}, writeBody},
@@ -772,6 +787,7 @@ constexpr std::array<std::pair<SceneKind, Writer>, 21> table = {{
     {{"ascending-names", "names", "DEF names in ascending order"}, writeAscendingNames},
     {{"fan", "triangles", "triangles round one hub"}, writeFan},
     {{"comb", "corners", "one polygon with teeth"}, writeComb},
+    {{"diagonal-comb", "corners", "one polygon with long teeth askew"}, writeDiagonalComb},
     {{"spiral", "corners", "one polygon that winds outwards"}, writeSpiral},
     {{"star", "corners", "one polygon with spikes of all lengths"}, writeStar},
     {{"near-floats", "points", "points within ten neighbouring floats"}, writeNearFloats},

@@ -223,6 +223,7 @@ TEST_F(CliTest, WritesAScene) {
 Separator {
   Coordinate3 { point [ 0 0 0, 1 0 0, 1 1 0, 0 1 0, 0 0 1, 1 0 1, 1 1 1, 0 1 1, 1 0 0 ] }
   IndexedFaceSet { coordIndex [ 0,3,2,1,-1, 4,5,6,7,-1, 0,8,5,4,-1, 1,2,6,5 ] }
+  AsciiText { string [ "a", "b" ] }
 }
 )";
   EXPECT_EQ(convert(cube, {"-c", "0.5", "-I", "2", "-T", "4", "-D", "9", "-F", "7"}),
@@ -246,6 +247,10 @@ Separator {
                 "\t}\n"
                 "\tSeparator {\n"
                 "\t}\n"
+                "  }\n"
+                "  AsciiText {\n"
+                "\tstring [ \"a\",\n"
+                "\t\t\t\"b\" ]\n"
                 "  }\n"
                 "}\n");
 }
@@ -271,6 +276,12 @@ TEST_F(CliTest, TheFirstCameraSetsTheAngleUnlessItIsGiven) {
             narrow);
 }
 
+TEST_F(CliTest, ADifferenceThatIsNoNumberIsTheLeast) {
+  const std::string asteroid =
+      readFile(std::filesystem::path(VARIMESH_SOURCE_DIR) / "examples" / "asteroid.wrl");
+  EXPECT_EQ(convert(asteroid, {"-m", "nan"}), convert(asteroid, {"-m", "0"}));
+}
+
 TEST_F(CliTest, FilesThatCannotBeUsed) {
   dir.write("in.wrl", scene);
   ProgramResult result = run({"none.wrl"});
@@ -293,6 +304,51 @@ TEST_F(CliTest, FilesThatCannotBeUsed) {
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, "error: cannot write /dev/full\nerror: No space left on device\n");
   EXPECT_EQ(result.out, banner + "parsing ...\ndependencies ...\nwriting ...\n");
+
+  // An input that fails while it is read, and outputs that are no files.
+  EXPECT_EQ(run({"-o", "out.wrl", "/proc/self/mem"}).err, "input in flex scanner failed\n");
+  result = run({"-o", "in.wrl/out.wrl", "in.wrl"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "error: cannot create in.wrl/out.wrl\nerror: Not a directory\n");
+  result = run({"-o", ".", "in.wrl"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "error: cannot create .\nerror: Is a directory\n");
+  EXPECT_EQ(dir.read("in.wrl"), scene);
+}
+
+// A disk that is full, wherever in the output that happens.
+TEST_F(CliTest, AFileThatMayNotGrow) {
+  const std::string letters =
+      readFile(std::filesystem::path(VARIMESH_SOURCE_DIR) / "examples" / "letters.wrl");
+  dir.write("in.wrl", letters);
+  const std::string command = std::string(VARIMESH_PROGRAM) + " -o out.wrl in.wrl";
+  ASSERT_EQ(run({"-o", "out.wrl", "in.wrl"}).status, 0);
+  const std::size_t blocks = dir.read("out.wrl").size() / 1024;
+  ASSERT_GT(blocks, 5);
+  for (std::size_t limit = 1; limit <= blocks; limit += 3) {
+    const ProgramResult result = runCommand(
+        "/bin/sh", {"-c", "ulimit -f " + std::to_string(limit) + "; exec " + command}, dir.path());
+    EXPECT_EQ(result.status, 1) << limit;
+    EXPECT_TRUE(result.err.ends_with("error: cannot write out.wrl\nerror: File too large\n"))
+        << limit << result.err;
+  }
+}
+
+// What it says has nowhere to go: closed, full, or without a reader. The file is written all the
+// same.
+TEST_F(CliTest, StandardOutputThatCannotBeWritten) {
+  dir.write("in.wrl", scene);
+  const std::string program = VARIMESH_PROGRAM;
+  for (const std::string& command :
+       {program + " in.wrl >&-", program + " in.wrl <&- >&-", program + " in.wrl >/dev/full",
+        "(sleep 0.2; " + program + " in.wrl; echo $? >status) | : ; exit $(cat status)"}) {
+    const ProgramResult result = runCommand("/bin/sh", {"-c", command}, dir.path());
+    EXPECT_EQ(result.status, 1) << command;
+    EXPECT_EQ(result.err, "error: cannot write standard output\n") << command;
+    const std::string written = dir.read("in.lod.wrl");
+    EXPECT_TRUE(written.starts_with("#VRML") && written.ends_with("}\n")) << command;
+    std::filesystem::remove(dir.path() / "in.lod.wrl");
+  }
 }
 
 TEST_F(CliTest, RefusesToWriteOverItsInput) {
@@ -348,6 +404,32 @@ TEST_F(CliTest, EndsWithAMessageWhenMemoryRunsOut) {
       dir.path());
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, "error: out of memory\n");
+}
+
+// Whichever allocation fails, and whether or not there is memory again afterwards.
+TEST_F(CliTest, AnyAllocationMayFail) {
+  const std::filesystem::path examples = std::filesystem::path(VARIMESH_SOURCE_DIR) / "examples";
+  dir.write("in.wrl", readFile(examples / "all-nodes.wrl") + readFile(examples / "letters.wrl") +
+                          "Own { fields [ SFLong a ] a 1 } DEF Box Cube { } USE Box\n");
+  for (const std::string after : {"FAIL_ONCE=1", "FAIL_EVER=1"}) {
+    int failures = 0;
+    for (int number = 1;; number += 1 + number / 12) {
+      const ProgramResult result =
+          runCommand("/usr/bin/env",
+                     {after, "FAIL_AT=" + std::to_string(number), VARIMESH_OUT_OF_MEMORY, "-j",
+                      "-v", "all+line+join+tree+triangulator", "in.wrl"},
+                     dir.path());
+      if (result.err.find("no memory\n") == std::string::npos) {
+        EXPECT_EQ(result.status, 0) << result.err;
+        break;
+      }
+      ++failures;
+      ASSERT_EQ(result.status, 1) << after << number << result.err;
+      ASSERT_TRUE(result.err.ends_with("no memory\nerror: out of memory\n"))
+          << number << result.err;
+    }
+    EXPECT_GT(failures, 60);
+  }
 }
 
 // The parameters that the command line sets.

@@ -43,8 +43,24 @@ std::string insert(const std::vector<Point>& points, const Polygons& polygons,
   return list(FaceSet::polygons) + " | " + list(FaceSet::segments);
 }
 
+// The same polygons must give the same set where so many faces meet in every corner that a set
+// looks for them in another way.
 std::string insert(const Polygons& polygons, int vertexOrdering = 0) {
-  return insert(makePoints(), polygons, {}, vertexOrdering);
+  const std::string set = insert(makePoints(), polygons, {}, vertexOrdering);
+  std::vector<Point> points = makePoints();
+  Polygons crowd;
+  for (int i = 0; i < 70 * 6; ++i) {
+    const auto n = static_cast<int>(points.size());
+    points.push_back({static_cast<float>(i), 5, 5});
+    points.push_back({static_cast<float>(i), 6, 7});
+    crowd.push_back({i % 6, n, n + 1});
+  }
+  std::string expected = insert(points, crowd, {}, vertexOrdering);
+  expected.resize(expected.size() - 3);  // " | "
+  expected += (set.starts_with(" ") ? "" : ",") + set;
+  crowd.insert(crowd.end(), polygons.begin(), polygons.end());
+  EXPECT_EQ(insert(points, crowd, {}, vertexOrdering), expected);
+  return set;
 }
 
 TEST(Faces, LoseRepeatedCorners) {

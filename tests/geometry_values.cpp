@@ -58,6 +58,23 @@ TEST(Bounds, BecomeACube) {
   EXPECT_EQ(middle(kLargest, kLargest), kLargest);
 }
 
+TEST(Output, WritesOnlyNumbersThatAReaderTakes) {
+  const auto print = [](float number) {
+    return catchOutput([&](Output& out) { printFloat(out, double{number}); });
+  };
+  const std::string largest = "340282346638528859811704183484516925440";
+  EXPECT_EQ(print(std::numeric_limits<float>::quiet_NaN()), "0");
+  EXPECT_EQ(print(std::numeric_limits<float>::infinity()), largest);
+  EXPECT_EQ(print(-std::numeric_limits<float>::infinity()), "-" + largest);
+  // Texts longer than the buffer.
+  const std::string text(3000000, 'x');
+  EXPECT_TRUE(catchOutput([&](Output& out) {
+                out.put('(');
+                out.write(text);
+                out.put(')');
+              }) == "(" + text + ")");
+}
+
 // ---- Transformations, against plain products in double precision
 
 using Rows = std::array<std::array<double, 4>, 4>;
@@ -135,10 +152,12 @@ TEST(State, MaxScaleIgnoresWhereThingsAre) {
   EXPECT_NEAR(state.getMaxScale(), std::sqrt(2.0), 1e-6);
   state.matrix = Matrix({-3, 0, 0, 0, 0, -3, 0, 0, 0, 0, -3, 0, 0, 0, 0, 1});
   EXPECT_NEAR(state.getMaxScale(), 3, 1e-6);
-  // Sheared along one diagonal: that one counts, whichever it is.
-  for (const float sign : {1.0F, -1.0F}) {
-    state.matrix = Matrix({1, 0, 0, 0, sign, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1});
-    EXPECT_NEAR(state.getMaxScale(), std::sqrt(2.0), 1e-6);
+  // Flattened onto an axis so that one diagonal keeps its length: that one counts, whichever it is.
+  for (const Vec& d : {Vec(1, 1, 1), Vec(1, -1, 1), Vec(1, 1, -1), Vec(-1, 1, 1)}) {
+    state.matrix = Matrix({d.x, 0, 0, 0, d.y, 0, 0, 0, d.z, 0, 0, 0, 0, 0, 0, 1});
+    EXPECT_NEAR(state.getMaxScale(), std::sqrt(3.0), 1e-6);
+    state.matrix = Matrix({0, 0, d.x, 0, 0, 0, d.y, 0, 0, 0, d.z, 0, 0, 0, 0, 1});
+    EXPECT_NEAR(state.getMaxScale(), std::sqrt(3.0), 1e-6);
   }
 }
 
@@ -166,9 +185,36 @@ TEST(RecordSet, NumbersFirstOccurrences) {
   NormalSet all;
   EXPECT_EQ(printed(all, "AAA", 99), "vector [ 0 0 0,0 0 0,0 0 0 ]\n");
   EXPECT_EQ(all.uncompressed, 3);
+  NormalSet one;
+  EXPECT_EQ(printed(one, "AAA", 1), "vector [ 0 0 0 ]\n");
   NormalSet none;
   EXPECT_EQ(printed(none, "", 5), "");
   EXPECT_EQ(none.getMaxIndex(), -1);
+}
+
+// Records that differ in one number only meet in the hash table; they must not be taken for equal.
+TEST(RecordSet, TellsAllRecordsApart) {
+  NormalSet normals;
+  TextureCoordSet textureCoords;
+  MaterialSet materials;
+  constexpr int n = 1000;
+  for (int i = 1; i <= n; ++i) {
+    const auto x = static_cast<float>(i);
+    for (const Vec& v : {Vec(x, 0, 0), Vec(0, x, 0), Vec(0, 0, x)}) {
+      normals.insert(Normal(v.x, v.y, v.z));
+      Material material;
+      material.specularColor = RGB(v.x, v.y, v.z);
+      materials.insert(material);
+    }
+    textureCoords.insert(TextureCoord(x, 0));
+    textureCoords.insert(TextureCoord(0, x));
+    Material material;
+    material.transparency = x;
+    materials.insert(material);
+  }
+  EXPECT_EQ(normals.count, 3 * n);
+  EXPECT_EQ(textureCoords.count, 2 * n);
+  EXPECT_EQ(materials.count, 4 * n);
 }
 
 // Materials as letters (their red) with digits (their shininess in tenths): both lists as written.
@@ -194,6 +240,7 @@ TEST(MaterialSet, WritesNoRepeatsAtTheEnd) {
             "diffuseColor [ 0 0 0,1 0 0,2 0 0,3 0 0 ]\nshininess [ 0.1,0.2 ]\n");
   EXPECT_EQ(printMaterials("A1B1C1", 2),
             "diffuseColor [ 0 0 0,1 0 0,2 0 0 ]\nshininess [ 0.1,0.1 ]\n");
+  EXPECT_EQ(printMaterials("A1A2"), "diffuseColor [ 0 0 0 ]\nshininess [ 0.1,0.2 ]\n");
   EXPECT_EQ(printMaterials("A1A1A1"), "diffuseColor [ 0 0 0 ]\nshininess [ 0.1 ]\n");
   // The value that goes on must be the one written last: the second A is not written, so the list
   // ends with C, or .2 would go on.

@@ -1,4 +1,5 @@
-// Joining and line sets, through the program: small scenes with the output that the rules give.
+// Joining, line sets and what shapes take from their surroundings, through the program: small
+// scenes with the output that the rules give.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -64,6 +65,11 @@ TEST(Join, EqualSeparatorsBecomeOne) {
   EXPECT_EQ(run(triangle(0, "") + triangle(1, "") + "Cube { }").removed, 3);
   // One that a USE refers to stays as it is, and so does what is not shown together.
   EXPECT_EQ(run("DEF A " + triangle(0, "") + triangle(1, "") + "USE A Cube { }").removed, 0);
+  EXPECT_EQ(run(triangle(0, "") + "DEF A " + triangle(1, "") + "USE A Cube { }").removed, 0);
+  EXPECT_EQ(run("Separator { } DEF A Separator { } USE A Cube { }").removed, 0);
+  EXPECT_EQ(run("DEF A Group { " + triangle(0, "") + triangle(1, "") + "} USE A").removed, 0);
+  // Nor do groups meet that declare other fields.
+  EXPECT_EQ(run(triangle(0, "fields [ SFLong a ]") + triangle(1, "") + "Cube { }").removed, 0);
   EXPECT_EQ(run("Switch { " + triangle(0, "") + triangle(1, "") + " } Cube { }").removed, 0);
   EXPECT_EQ(run("LOD { " + triangle(0, "") + triangle(1, "") + " } Cube { }").removed, 0);
 }
@@ -116,6 +122,22 @@ TEST(Join, WhatWouldShowIsNotJoined) {
   const std::string inner = "Separator { Material { diffuseColor 1 0 0 } Sphere { } }";
   EXPECT_EQ(run("Group { " + inner + " } Cube { }").removed, 0);
   EXPECT_EQ(run("Group { " + inner + " }").removed, 2);
+  // A separator round it keeps that from what is behind, and so does one further out.
+  EXPECT_EQ(run("Separator { " + inner + " } Cube { }").removed, 1);
+  EXPECT_EQ(run("Separator { Group { " + inner + " } } Cube { }").removed, 2);
+  // What a group sets is seen behind it: by nobody, by the cube at the end, or by the group
+  // between.
+  const auto group = [](const std::string& colour) {
+    return "Group { Material { diffuseColor " + colour + " } Coordinate3 { " + points +
+           " } IndexedFaceSet { coordIndex [ 0,1,2 ] } }";
+  };
+  EXPECT_EQ(run(group("1 0 0") + group("0 1 0")).removed, 6);
+  EXPECT_EQ(run(group("1 0 0") + group("0 1 0") + "Cube { }").removed, 0);
+  EXPECT_EQ(run(group("1 0 0") + group("1 0 0") + "Cube { }").removed, 4);
+  EXPECT_EQ(run(group("1 0 0") + "Group { Cube { } }" + group("1 0 0") + "Cube { }").removed, 0);
+  const std::string binding = "Group { NormalBinding { value OVERALL } } ";
+  EXPECT_EQ(run(binding + binding + "Cube { }").removed, 2);
+  EXPECT_EQ(run(binding + "Group { Cube { } }" + binding + "Cube { }").removed, 0);
   // Numbers out of range stay an error.
   const Joined wrong =
       run("Separator { Coordinate3 { point [ 0 0 0, 1 0 0, 0 1 0 ] } IndexedFaceSet "
@@ -135,6 +157,78 @@ TEST(Join, TellsWhatIsDeleted) {
                                  ">A<\n 1 Nodes removed.\n"),
             std::string::npos)
       << told.result.out;
+}
+
+// A face set that a USE shows again is written once, so its surroundings must be the same.
+TEST(Shapes, AreShownAgainInEqualSurroundings) {
+  const std::string face =
+      "Coordinate3 { " + points + " } DEF F IndexedFaceSet { coordIndex [ 0,1,2 ] } ";
+  const std::string sorry = "\n    sorry can't handle this\n";
+  const struct {
+    std::string before, between, what;
+  } cases[] = {
+      {"", "Coordinate3 { " + points + " }", "Coordinate3-Nodes"},
+      {"", "MaterialBinding { value PER_FACE }", "Material-Bindings"},
+      {"", "NormalBinding { value PER_FACE }", "Normal-Bindings"},
+      {"MaterialBinding { value PER_FACE }", "Material { }",
+       "Material-Nodes\n    and Material-Binding != OVERALL"},
+      {"", "Normal { }", "Normal-Nodes\n    and Normal-Binding != OVERALL"},
+      {"", "TextureCoordinate2 { }", "TextureCoordinate2-Nodes"},
+  };
+  for (const auto& [before, between, what] : cases) {
+    const Joined refused = run(before + face + between + " USE F");
+    EXPECT_EQ(refused.result.status, 1);
+    EXPECT_EQ(refused.result.err,
+              "error: 3-3 IndexedFaceSet: DEF and USE statements are using "
+              "different " +
+                  what + sorry);
+  }
+  // One material, or one normal, for the whole shape may be another one.
+  EXPECT_EQ(run("NormalBinding { value OVERALL } Normal { vector 0 0 1 }" + face +
+                "Normal { vector 0 1 0 } Material { } USE F")
+                .result.status,
+            0);
+  EXPECT_EQ(run("DEF T TextureCoordinate2 { point 0 0 } Texture2 { } USE T").result.err,
+            "error: 3-3 TextureCoordinate2: DEF and USE statements are using different "
+            "Texture2-Nodes" +
+                sorry);
+}
+
+TEST(Shapes, SayThatTheirFacesAreConvexWhereNothingElseDoes) {
+  const std::string face = "Coordinate3 { " + points + " } IndexedFaceSet { coordIndex [ 0,1,2 ] }";
+  const std::string written = "} IndexedFaceSet { coordIndex [ 0,1,2,-1 ] } } ";
+  EXPECT_TRUE(run("ShapeHints { creaseAngle 0.5 }" + face).text.ends_with(" ] " + written));
+  EXPECT_TRUE(run("ShapeHints { faceType 5 }" + face).text.ends_with(" ] " + written));
+  const std::string text =
+      run("ShapeHints { shapeType SOLID faceType UNKNOWN_FACE_TYPE }" + face).text;
+  EXPECT_TRUE(text.ends_with("ShapeHints { shapeType SOLID faceType CONVEX " + written + "} "))
+      << text;
+}
+
+TEST(Shapes, OfOneMaterialNeedNoIndices) {
+  const std::string face = "MaterialBinding { value PER_FACE_INDEXED } Coordinate3 { " + points +
+                           " } IndexedFaceSet { coordIndex [ 0,1,2 ] materialIndex [ 1 ] }";
+  const std::string one = run("Material { diffuseColor [ 1 0 0, 1 0 0 ] }" + face).text;
+  EXPECT_TRUE(
+      one.ends_with("Separator { MaterialBinding { value OVERALL } IndexedFaceSet { "
+                    "coordIndex [ 0,1,2,-1 ] } } } "))
+      << one;
+  const std::string two = run("Material { diffuseColor [ 1 0 0, 0 1 0 ] }" + face).text;
+  EXPECT_TRUE(two.ends_with("} IndexedFaceSet { coordIndex [ 0,1,2,-1 ] materialIndex [ 1 ] } } "))
+      << two;
+}
+
+TEST(Shapes, WithoutDataAreWrittenEmpty) {
+  const Joined empty =
+      run("Coordinate3 { point [ ] } Normal { vector [ ] } TextureCoordinate2 { point [ ] }\n"
+          "IndexedFaceSet { coordIndex [ ] }");
+  EXPECT_EQ(empty.result.status, 0);
+  EXPECT_EQ(empty.result.err,
+            "warning: 3-3 Coordinate3: no points\n"
+            "warning: 3-3 Normal: no vectors\n"
+            "warning: 3-3 TextureCoordinate2: no points\n"
+            "warning: 4-4 IndexedFaceSet: empty node\n");
+  EXPECT_TRUE(empty.text.ends_with("IndexedFaceSet { coordIndex [ ] } } ")) << empty.text;
 }
 
 const std::string lines = R"(

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,19 @@ TEST_F(OptionTest, LeavesPlainWordsAlone) {
   ASSERT_TRUE(parse({"a", "", "b"}));
   EXPECT_EQ(words, (Words{"a", "", "b"}));
   EXPECT_FALSE(flag.isSpecified() || text.isSpecified() || number.isSpecified());
+}
+
+TEST_F(OptionTest, MayBeWithoutWordsAndInAnyOrder) {
+  int argc = 0;
+  char* argv[] = {nullptr};
+  EXPECT_TRUE(Option::parse(argc, argv));
+  EXPECT_EQ(argc, 0);
+  // Options need not go in the order in which they came.
+  std::optional<OptionFlag> first(std::in_place, "first", "1");
+  const OptionFlag second("second", "2");
+  first.reset();
+  EXPECT_EQ(Option::findByLongName("first"), nullptr);
+  EXPECT_EQ(Option::findByLongName("second"), &second);
 }
 
 TEST_F(OptionTest, ReportsTheFirstFault) {

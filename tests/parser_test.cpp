@@ -298,6 +298,15 @@ TEST_F(Parser, FilesAndUnknownNodes) {
   EXPECT_NE(Node::identifiers.search("x"), nullptr);
 }
 
+// The last node of a name counts, unless a name that comes right behind it in the alphabet has been
+// met in between.
+TEST_F(Parser, NamesGivenTwice) {
+  read("DEF b Cube { } DEF a Cube { } DEF a Cone { }");
+  EXPECT_EQ(Node::identifiers.search("a"), yacc_tree.at(2).get());
+  read("DEF a Cube { } DEF b Cube { } DEF a Cone { }");
+  EXPECT_EQ(Node::identifiers.search("a"), yacc_tree.at(0).get());
+}
+
 TEST_F(Parser, LevelsOfDetailAreRefusedAtTheirEnd) {
   EXPECT_EQ(parse("LOD { Cube { } }"), 1);
   EXPECT_EQ(messages, "error: this file already contains Levels of Detail\n");
@@ -322,6 +331,13 @@ TEST_F(Parser, DepthOfNesting) {
     EXPECT_NE(messages.find(": parser stack overflow at or before '" + sample.type),
               std::string::npos);
   }
+  // A group takes four entries of the stack.
+  const auto groups = [](int depth) {
+    const auto n = static_cast<std::size_t>(depth);
+    return nested("Group {", n).replace(7 * n, 8, "");
+  };
+  EXPECT_EQ(parse(groups(25000)), 0);
+  EXPECT_EQ(parse(groups(25001)), 2);
   // Siblings and closed groups are not nested.
   std::string text = "Separator {";
   for (int i = 0; i < 100000; ++i) text += "Group { Group { } }\n";

@@ -165,6 +165,9 @@ TEST(Scanner, StringsAreKeptAsWritten) {
   EXPECT_EQ(yylex(), TOKEN_STRING);
   EXPECT_EQ(yytext, "a\nb\"");
   EXPECT_EQ(lex_line, 2);
+  lex_setText("\"a\\\nb\n\"");
+  EXPECT_EQ(yylex(), TOKEN_STRING);
+  EXPECT_EQ(lex_line, 3);
 }
 
 TEST(Scanner, FieldLists) {

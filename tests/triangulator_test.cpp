@@ -245,6 +245,8 @@ TEST_F(TriangulatorTest, CrossingOfSegments) {
   EXPECT_EQ(crossing(0, 0, 2, 2, 0, 2, 2, 0), 1);
   EXPECT_EQ(crossing(0, 0, 2, 0, 1, -1, 1, 1), 1);  // a level first segment
   EXPECT_EQ(crossing(0, 0, 2, 0, 2, 0, 3, 1), 1);   // an end point in common
+  EXPECT_EQ(crossing(0, 0, 2, 0, 0, 0, -1, 1), 1);
+  EXPECT_EQ(crossing(0, 0, 2, 1, 0, 0, -1, 1), 1);
   EXPECT_EQ(crossing(0, 0, 2, 0, 3, -1, 3, 1), 0);  // beside the first
   EXPECT_EQ(crossing(0, 0, 0, 2, -1, 3, 1, 3), 0);
   EXPECT_EQ(crossing(0, 0, 2, 0, 1, 1, 1, 2), 0);  // the second falls short

@@ -31,6 +31,7 @@ void announce(const char* text) {
 // Ends the process because of a file, with the system's reason.
 [[noreturn]] void fail(const char* verb, const std::string& name) {
   const int reason = errno;
+  if (reason == ENOMEM) outOfMemory();  // opening a file takes memory, too
   std::fprintf(stderr, "error: cannot %s %s\n", verb, name.c_str());
   errno = reason;
   std::perror("error");

@@ -16,6 +16,7 @@ void guardStandardStreams() {
   }
   if (descriptor > STDERR_FILENO) ::close(descriptor);
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
 }
 
 bool closeStandardOutput() {

@@ -4,8 +4,8 @@
 namespace varimesh {
 
 // Makes sure that no file opened later takes the place of a closed standard stream, and would get
-// what is meant for the stream; and that a reader that has gone is an error like any other instead
-// of a silent death.
+// what is meant for the stream; and that a reader that has gone, or a file that has grown as large
+// as it may, is an error like any other instead of a silent death.
 void guardStandardStreams();
 
 // Writes out what is left of standard output. Answers false, with a message, when anything that
