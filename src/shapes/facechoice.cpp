@@ -55,10 +55,12 @@ void FaceSet::finish() {
   ShapeSet::finish();
 }
 
-// Whether most faces lie far from the one before, as in a mesh whose faces come in no order.
+// Whether many faces lie far from the one before, as in a mesh whose faces come in no order.
 // Meshes that were made row by row are as near as can be, and sorting them would only cost time.
 bool FaceSet::isScattered() const {
-  constexpr CoordId far = 1024;  // points; that many with their faces fit into a cache
+  constexpr std::size_t few = 64;  // all of them near
+  if (faces_.size() < few) return false;
+  const auto far = static_cast<CoordId>(coordSet.getOctreeCoords().size() / 16);
   std::size_t jumps = 0;
   CoordId before = 0;
   for (const Corners& corners : faces_) {
