@@ -218,6 +218,8 @@ TEST_F(Parser, FormsOfValues) {
       {"ShapeHints { vertexOrdering SIDES shapeType 99 }", "vertexOrdering CLOCKWISE shapeType 99"},
       {"PointLight { on 5 on OVERALL on 0 on ON }", "on TRUE on TRUE on FALSE on FALSE"},
       {"IndexedFaceSet { coordIndex [ TRUE , -1, 017, ] }", "coordIndex [ 1, -1, 15 ]"},
+      {"IndexedFaceSet { coordIndex [ 4294967297, 100000001 ,123456789\n, -1, -12, 0, 10, 00 ] }",
+       "coordIndex [ 2147483647, 100000001, 123456789, -1, -12, 0, 10, 0 ]"},
       {"AsciiText { string \"a\" string [ \"b\" , ] string [] }",
        "string \"a\" string \"b\" string [ ]"},
       {"Texture2 { image 0 0 0 image 1 1 4 0xffffffff }", "image 0 0 0 image 1 1 4 -1"},

@@ -291,17 +291,30 @@ struct Place {
 // Whether a number surely ends in front of a character.
 constexpr bool isEnd(char c) { return c == ',' || c == ' ' || c == '\n' || c == ']'; }
 
+// Nearly all integers are -1 or have few digits and no sign. To read these here takes little more
+// than half of the instructions of the general road.
+[[gnu::always_inline]] inline bool readShortInteger(Place& place, int& element) {
+  constexpr std::ptrdiff_t mostDigits = 9;
+  const char* const begin = place.p;
+  const char* p = begin;
+  unsigned value = 0;  // wraps around beyond mostDigits; not used then
+  for (; isDigit(*p); ++p) value = 10 * value + static_cast<unsigned>(*p - '0');
+  if (p == begin && p[0] == '-' && p[1] == '1') {
+    p += 2;
+    element = -1;
+  } else if (p != begin && *begin != '0' && p - begin <= mostDigits) {
+    element = static_cast<int>(value);
+  } else {
+    return false;
+  }
+  if (!isEnd(*p)) return false;
+  place.p = p;
+  return true;
+}
+
 bool readElement(Place& place, int& element) {
   place.skipBlanks();
-  // Nearly all integers are -1 or have few digits and no sign. To read these here takes a third of
-  // the time.
-  const char* p = place.p;
-  const bool isMinusOne = p[0] == '-' && p[1] == '1' && isEnd(p[2]);
-  int value = 0;
-  while (isDigit(*p) && p - place.p < 9) value = 10 * value + (*p++ - '0');
-  if (isMinusOne || (p != place.p && *place.p != '0' && isEnd(*p))) {
-    element = isMinusOne ? -1 : value;
-    place.p = isMinusOne ? p + 2 : p;
+  if (readShortInteger(place, element)) {
     place.skipBlanks();
     return true;
   }

@@ -96,7 +96,7 @@ void FaceSet::sortCandidates() {
 
   std::vector<Corners> faces;
   std::vector<Sequence> sequences;
-  AttributeLists sortedNumbers(attributes, 4);
+  AttributeLists sortedNumbers(attributes);
   faces.reserve(faces_.size());
   sequences.reserve(faces_.size());
   for (const ShapeId candidate : sorted) {

@@ -17,7 +17,6 @@ class FaceRefs {
   // Makes the lists of all faces with at least three corners: the newest first.
   void build(std::size_t pointCount, std::span<const Corners> faces,
              std::span<const Sequence> sequences);
-  void clear() { *this = FaceRefs(); }
   [[nodiscard]] std::span<const ShapeId> getFaces(CoordId coord) const {
     return {faces_.data() + begins_[coord], begins_[coord + 1] - begins_[coord]};
   }

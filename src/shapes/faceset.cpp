@@ -10,6 +10,7 @@ int FaceSet::noquads = 0;
 void FaceSet::reserve(std::size_t faces) {
   faces_.reserve(faces);
   sequences_.reserve(faces);
+  numbers.reserve(faces);
 }
 
 // A quadrangle may become two faces, hence the step.
@@ -67,6 +68,7 @@ void FaceSet::insertRepresent(const FaceSet& previous, ShapeId shape, Sequence s
 std::unique_ptr<ShapeSet> FaceSet::generateNextLOD() {
   auto next = std::make_unique<FaceSet>(lod + 1, coordSet, attributes, vertexOrdering_);
   const auto size = static_cast<Sequence>(setCount);
+  next->reserve(size);
   const Sequence firstTriangle = quadCount > 0 ? 2 * size : 0;
   const Sequence firstSegment = firstTriangle + size;
   std::vector<ShapeId> lines;
@@ -94,7 +96,8 @@ std::unique_ptr<ShapeSet> FaceSet::generateNextLOD() {
     next->insert(createRepresent(shape), firstSegment + sequences_[shape]);
   }
   // Only what is written is needed any longer.
-  refs_.clear();
+  next->refs_ = std::move(refs_);
+  handOver(*next);
   std::vector<Sequence>().swap(sequences_);
   next->finish();
   return next;

@@ -30,7 +30,7 @@ class FaceSet : public ShapeSet {
   int quadCount = 0;
 
   FaceSet(int level, OctreeCoordSet& coords, const ShapeAttributes& given, int ordering)
-      : ShapeSet(level, coords, given, 4), vertexOrdering_(ordering) {}
+      : ShapeSet(level, coords, given), vertexOrdering_(ordering) {}
 
   // Announces about how many faces are coming.
   void reserve(std::size_t faces);

@@ -19,7 +19,7 @@ struct Line {
 class LineSet : public ShapeSet {
  public:
   LineSet(int level, OctreeCoordSet& coords, const ShapeAttributes& given)
-      : ShapeSet(level, coords, given, 2) {}
+      : ShapeSet(level, coords, given) {}
 
   // Adds a segment unless it is a point, or is there already in either direction.
   void insert(const Line& line);

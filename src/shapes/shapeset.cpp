@@ -6,7 +6,6 @@
 namespace varimesh {
 
 void ShapeSet::finish() {
-  std::vector<ShapeId>().swap(nextInList_);
   const auto coords = coordSet.getOctreeCoords();
   writtenIndices_.resize(coords.size());
   if (setCount == 0) return;
@@ -42,11 +41,14 @@ void ShapeSet::printIndexFields(Output& out, int indent, int endCount,
   };
   // A number for each corner, closed by -1.
   const auto printCorners = [&](std::size_t size, auto getNumber) {
+    char* end = out.reserve((intRoom + 1) * size + 2);
     for (unsigned i = 0; i < size; ++i) {
-      out.writeInt(getNumber(i));
-      out.put(',');
+      end = formatInt(end, getNumber(i));
+      *end++ = ',';
     }
-    out.write("-1");
+    *end++ = '-';
+    *end++ = '1';
+    out.advance(end);
     global_cpl += static_cast<int>(size) + endCount;
   };
   const auto printAttribute = [&](FieldId field, const AttributeList& list) {

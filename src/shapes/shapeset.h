@@ -1,10 +1,11 @@
 // What the sets of faces and of lines of one level have in common.
 #pragma once
 
-#include <algorithm>
+#include <array>
 #include <memory>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "lod/octreecoordset.h"
@@ -31,45 +32,48 @@ class AttributeList {
  public:
   enum class Per { none, shape, corner };
 
-  AttributeList(bool isPresent, int binding, unsigned corners)
+  AttributeList(bool isPresent, int binding)
       : per_(!isPresent                    ? Per::none
              : binding <= PER_FACE_INDEXED ? Per::shape
-                                           : Per::corner),
-        stride_(per_ == Per::corner ? corners : 1) {}
+                                           : Per::corner) {}
 
   [[nodiscard]] Per getPer() const { return per_; }
   void append(std::span<const Vertex> vertices, int Vertex::*attribute) {
     if (per_ == Per::none) return;
-    for (unsigned i = 0; i < stride_; ++i) numbers_.push_back(vertices[i].*attribute);
+    if (per_ == Per::shape) return perShape_.push_back(vertices[0].*attribute);
+    Numbers numbers{};
+    for (unsigned i = 0; i < vertices.size(); ++i) numbers[i] = vertices[i].*attribute;
+    perCorner_.push_back(numbers);
   }
   // Takes over what another list has for a shape with the same corners.
   void append(const AttributeList& other, ShapeId shape) {
-    if (per_ == Per::none) return;
-    const int* const first = other.numbers_.data() + std::size_t{shape} * stride_;
-    if (stride_ == 1) {
-      numbers_.push_back(*first);
-    } else {
-      numbers_.insert(numbers_.end(), first, first + stride_);
-    }
+    if (per_ == Per::shape) perShape_.push_back(other.perShape_[shape]);
+    if (per_ == Per::corner) perCorner_.push_back(other.perCorner_[shape]);
   }
   // Copies what it has for one shape to the place of another.
   void move(ShapeId from, ShapeId to) {
-    if (per_ == Per::none || from == to) return;
-    std::copy_n(numbers_.data() + std::size_t{from} * stride_, stride_,
-                numbers_.data() + std::size_t{to} * stride_);
+    if (per_ == Per::shape) perShape_[to] = perShape_[from];
+    if (per_ == Per::corner) perCorner_[to] = perCorner_[from];
+  }
+  void reserve(std::size_t shapes) {
+    if (per_ == Per::shape) perShape_.reserve(shapes);
+    if (per_ == Per::corner) perCorner_.reserve(shapes);
   }
   void resize(std::size_t shapes) {
-    if (per_ != Per::none) numbers_.resize(shapes * stride_);
+    if (per_ == Per::shape) perShape_.resize(shapes);
+    if (per_ == Per::corner) perCorner_.resize(shapes);
   }
   [[nodiscard]] int get(ShapeId shape, unsigned corner) const {
     if (per_ == Per::none) return noIndex;
-    return numbers_[std::size_t{shape} * stride_ + (per_ == Per::corner ? corner : 0)];
+    return per_ == Per::shape ? perShape_[shape] : perCorner_[shape][corner];
   }
 
  private:
+  using Numbers = std::array<int, 4>;  // as many as a shape has corners at most
+
   Per per_;
-  unsigned stride_;
-  std::vector<int> numbers_;
+  std::vector<int> perShape_;
+  std::vector<Numbers> perCorner_;
 };
 
 // All attributes of the shapes of a set.
@@ -78,10 +82,10 @@ struct AttributeLists {
   AttributeList normals;
   AttributeList textureCoords;
 
-  AttributeLists(const ShapeAttributes& given, unsigned corners)
-      : materials(given.hasMaterials, given.materialBinding, corners),
-        normals(given.hasNormals, given.normalBinding, corners),
-        textureCoords(given.hasTextureCoords, PER_VERTEX_INDEXED, corners) {}
+  explicit AttributeLists(const ShapeAttributes& given)
+      : materials(given.hasMaterials, given.materialBinding),
+        normals(given.hasNormals, given.normalBinding),
+        textureCoords(given.hasTextureCoords, PER_VERTEX_INDEXED) {}
 
   void append(std::span<const Vertex> vertices) {
     materials.append(vertices, &Vertex::material);
@@ -97,6 +101,11 @@ struct AttributeLists {
     materials.move(from, to);
     normals.move(from, to);
     textureCoords.move(from, to);
+  }
+  void reserve(std::size_t shapes) {
+    materials.reserve(shapes);
+    normals.reserve(shapes);
+    textureCoords.reserve(shapes);
   }
   void resize(std::size_t shapes) {
     materials.resize(shapes);
@@ -116,8 +125,8 @@ class ShapeSet : public Shape {
   int setCount = 0;  // shapes in the set
   float range = 0;   // distance from which the next level may be shown; 0 until known
 
-  ShapeSet(int level, OctreeCoordSet& coords, const ShapeAttributes& given, unsigned corners)
-      : lod(level), attributes(given), coordSet(coords), numbers(given, corners) {}
+  ShapeSet(int level, OctreeCoordSet& coords, const ShapeAttributes& given)
+      : lod(level), attributes(given), coordSet(coords), numbers(given) {}
 
   // Makes the set of the next level, after the coordinate set has made that level.
   [[nodiscard]] virtual std::unique_ptr<ShapeSet> generateNextLOD() = 0;
@@ -137,7 +146,13 @@ class ShapeSet : public Shape {
   std::vector<ShapeId> order;
 
   // Equal shapes have the same least corner, so those of each least corner form a list.
-  void reserveList(std::size_t shapes) { nextInList_.reserve(shapes); }
+  void reserveList(std::size_t shapes) {
+    nextInList_.clear();
+    nextInList_.reserve(shapes);
+  }
+  // Gives the next level what is of no use any longer, since small shapes spend much of their time
+  // in getting memory.
+  void handOver(ShapeSet& next) { next.nextInList_ = std::move(nextInList_); }
   void linkNewest(CoordId leastCorner) {
     nextInList_.push_back(coordSet.setHead(leastCorner, static_cast<ShapeId>(nextInList_.size())));
   }
@@ -161,7 +176,7 @@ class ShapeSet : public Shape {
 
  private:
   Bounds box_;
-  std::vector<ShapeId> nextInList_;  // by shape, until the set is finished
+  std::vector<ShapeId> nextInList_;  // by shape
   std::vector<int> writtenIndices_;
 };
 

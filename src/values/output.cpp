@@ -68,11 +68,18 @@ void Output::writeLong(std::string_view text) {
 void printIndent(Output& out, int column) {
   if (global_noindent != 0) return;
   column = std::clamp(column, 0, lastColumn);
+  const auto repeat = [&out](std::string_view text, int count) {
+    for (auto left = static_cast<std::size_t>(count); left > 0;) {
+      const std::string_view part = text.substr(0, left);
+      out.write(part);
+      left -= part.size();
+    }
+  };
   if (global_tab > 0) {
-    for (int tabs = column / global_tab; tabs > 0; --tabs) out.put('\t');
+    repeat("\t\t\t\t\t\t\t\t", column / global_tab);
     column %= global_tab;
   }
-  for (; column > 0; --column) out.put(' ');
+  repeat("                                ", column);
 }
 
 void printFloat(Output& out, double number) {
