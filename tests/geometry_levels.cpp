@@ -220,6 +220,166 @@ TEST(Levels, AreThoseOfThePlainRules) {
   }
 }
 
+// Many faces at few points, so that the lists of faces at a point are too long to be compared one
+// by one. Either few points with quadrangles everywhere, or a dozen hubs that meet in triangles and
+// segments only, each with many quadrangles of its own.
+Case makeCrowdedCase(unsigned seed) {
+  constexpr int hubs = 12;
+  Random random(seed);
+  const bool withHubs = pick(random, 2) == 0;
+  const int n = withHubs ? 60 : 16 + pick(random, 8);
+  Case c;
+  c.rules.splitCosinus = -1;
+  c.rules.minDiff = 0.5F;
+  for (int i = 0; i < n; ++i) {
+    c.points.emplace_back();
+    for (float& x : c.points.back()) x = static_cast<float>(uniform(random, -1, 1));
+  }
+  std::vector<std::vector<int>> polygons;
+  for (int i = 0; i < 1600; ++i) {
+    std::vector<int> polygon;
+    const int size = std::max(2, 4 - pick(random, 12) / 8 - pick(random, 12) / 9);
+    for (int k = 0; k < size; ++k) {
+      const bool isHub = withHubs && (size < 4 || k == 0) && k < 3;
+      polygon.push_back(isHub ? pick(random, hubs)
+                              : pick(random, n - hubs) + (withHubs ? hubs : 0));
+    }
+    if (i > 0 && pick(random, 3) == 0) {
+      polygon = polygons[static_cast<std::size_t>(pick(random, i))];
+      std::rotate(polygon.begin(), polygon.begin() + 1, polygon.end());
+      if (pick(random, 2) == 0) std::reverse(polygon.begin(), polygon.end());
+      if (pick(random, 2) == 0 && polygon.size() > 2) polygon.pop_back();
+    }
+    polygons.push_back(polygon);
+  }
+  // As a scene gives them, or in any order.
+  if (pick(random, 2) == 0) {
+    std::stable_sort(polygons.begin(), polygons.end(),
+                     [](const auto& a, const auto& b) { return a.size() > b.size(); });
+  }
+  c.attributes.emplace_back();
+  c.attributes[0].hasTextureCoords = true;
+  c.inputs.emplace_back();
+  c.inputs[0].vertexOrdering = pick(random, 2);
+  for (const auto& polygon : polygons) {
+    Outline outline;
+    for (const int point : polygon) outline.push_back({point, -1, -1, pick(random, 100000)});
+    c.inputs[0].outlines.push_back(outline);
+  }
+  return c;
+}
+
+TEST(Levels, OfCrowdedPointsAreThoseOfThePlainRules) {
+  for (unsigned seed = 0; seed < 100; ++seed) {
+    compareWithPlainLevels(makeCrowdedCase(seed));
+    if (HasFatalFailure()) FAIL() << "seed " << seed;
+  }
+}
+
+// P and Q share the deepest cell. Moving Q to P changes two large triangles by w/2 and -w/2, and a
+// quadrangle by so little that it counts only when it is added after them; moving P to Q changes
+// one triangle by still less. The quadrangle is the newest face, so it comes first and is lost.
+TEST(Levels, SumErrorsFromTheNewestFaceOn) {
+  const float w = std::ldexp(1.0F, 20);
+  const float t = std::ldexp(1.0F, -50);
+  enum { P, Q, X1, Y1, X2, Y2, X3, Y3, R, X4, Y4 };
+  Case c;
+  // The last two only make the box cut between 5 and 6, and along the plane of y = 0.
+  c.points = {{5, 0, 0},      {6, 0, 0},     {2, 0, 0},     {2, w, 0}, {9, 0, 0},
+              {9, w, 0},      {16.5F, 0, 0}, {16.5F, t, 0}, {6, t, 0}, {40, 0, 0},
+              {40, t / 2, 0}, {-w, -w, 0},   {w, w, 0}};
+  c.rules.minDiff = 0;
+  c.rules.weights = {1, 0, 0};
+  c.attributes.emplace_back();
+  c.inputs.emplace_back();
+  auto& outlines = c.inputs[0].outlines;
+  for (const int more : {0, 20}) {  // faces without area at Q: its list grows
+    SCOPED_TRACE(more);
+    outlines.clear();
+    for (int i = 0; i < more; ++i) {
+      const int point = static_cast<int>(c.points.size());
+      c.points.push_back({100.0F + 64 * static_cast<float>(i), 0, 0});
+      outlines.push_back({{Q}, {X4}, {point}});
+    }
+    const std::vector<Outline> faces = {{{X1}, {Q}, {Y1}}, {{X2}, {Q}, {Y2}}, {{X4}, {P}, {Y4}}};
+    outlines.insert(outlines.end(), faces.begin(), faces.end());
+    outlines.push_back({{X3}, {Q}, {R}, {Y3}});
+    const RulesInForce rules(c.rules);
+    const auto set = makeCoordSet(c.points);
+    const LevelRun run = runLevels(*set, c.inputs[0]);
+    const std::string text = describe(*run.levels[1], run.used[1]);
+    EXPECT_NE(text.find("2,0,3,-1"), std::string::npos) << text;
+    compareWithPlainLevels(c);
+  }
+}
+
+// The hub has the least number, so all segments stand in its list.
+TEST(Levels, OfAStarOfSegmentsAreThoseOfThePlainRules) {
+  Case c;
+  c.points = {{-1, -1, -1}};
+  c.attributes.emplace_back();
+  c.attributes[0].hasTextureCoords = true;
+  c.inputs.emplace_back();
+  c.inputs[0].vertexOrdering = 1;
+  constexpr int rays = 150;
+  for (int i = 1; i <= rays; ++i) c.points.push_back({static_cast<float>(i), 1, 0});
+  for (int i = 1; i <= rays; ++i) c.inputs[0].outlines.push_back({{0, -1, -1, i}, {i}});
+  for (int i = rays; i >= 1; --i) c.inputs[0].outlines.push_back({{i}, {0, -1, -1, 2 * i}});
+  for (const int type : {1, 2}) {
+    SCOPED_TRACE(type);
+    c.inputs[0].shapeType = type;
+    compareWithPlainLevels(c);
+  }
+}
+
+// What the index answers is what a walk through all faces would find.
+TEST(FaceIndex, AnswersAsAWalkWould) {
+  meshes::Random random(1);
+  for (int round = 0; round < 400; ++round) {
+    SCOPED_TRACE(round);
+    const int ordering = round % 2;
+    const int size = 2 + round / 2 % 2;
+    const auto makeFace = [&](int n) {
+      std::array<CoordId, 7> points = {0, 1, 2, 3, 4, 5, 6};
+      Corners corners = {noCoord, noCoord, noCoord, noCoord};
+      for (unsigned i = 0; i < static_cast<unsigned>(n); ++i) {
+        std::swap(points[i],
+                  points[i + static_cast<unsigned>(meshes::pick(random, 7 - static_cast<int>(i)))]);
+        corners[i] = points[i];
+      }
+      return corners;
+    };
+    FaceIndex index(ordering);
+    std::vector<Corners> bigger;
+    std::vector<Sequence> sequences;
+    std::vector<Corners> equals;
+    for (int i = 0; i < 6; ++i) {
+      bigger.push_back(makeFace(size + 1 + meshes::pick(random, 4 - size)));
+      sequences.push_back(static_cast<Sequence>(meshes::pick(random, 100)));
+      index.addBigger(bigger.back(), sequences.back());
+      const Corners face = makeFace(size);
+      if (index.findEqual(face) != noShape) continue;
+      index.addEqual(face, static_cast<ShapeId>(equals.size()));
+      equals.push_back(face);
+    }
+    for (int i = 0; i < 100; ++i) {
+      const Corners face = makeFace(size);
+      const auto sequence = static_cast<Sequence>(meshes::pick(random, 100));
+      bool isWithin = false;
+      for (std::size_t k = 0; k < bigger.size(); ++k) {
+        isWithin =
+            isWithin || (sequences[k] < sequence && isEquivOrSubsetOf(face, bigger[k], ordering));
+      }
+      EXPECT_EQ(index.isWithinBigger(face, sequence), isWithin);
+      ShapeId equal = noShape;
+      for (ShapeId k = 0; k < equals.size(); ++k) {
+        if (isEquivOrSubsetOf(face, equals[k], ordering)) equal = k;
+      }
+      EXPECT_EQ(index.findEqual(face), equal);
+    }
+  }
+}
+
 // The numbers of a printed index list, one group for each -1.
 std::vector<std::vector<int>> parseList(const std::string& text) {
   std::vector<std::vector<int>> groups(1);

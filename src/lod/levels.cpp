@@ -1,6 +1,7 @@
 // The making of levels: which cells of the octree collapse, and into which of their points.
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <numeric>

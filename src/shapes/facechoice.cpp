@@ -2,9 +2,11 @@
 //
 // A face is left out when one that was inserted before, and has stayed, contains it. Faces are not
 // taken in the order in which they were inserted, but by number of corners, quadrangles first, and
-// within one number in octree order. That comes to the same: a face can only be contained by one
-// with more corners, about which all is decided by then, or by an equal one, and of faces equal to
-// each other the one inserted first that no bigger face contains is the one to stay.
+// within one number in any order that is good for the cache. That comes to the same: a face can
+// only be contained by one with more corners, about which all is decided by then, or by an equal
+// one, and of faces equal to each other the one inserted first that no bigger face contains is the
+// one to stay. Whether a bigger face contains it is asked of each for itself, since for a triangle
+// within a quadrangle that depends on its first corner; whether two faces are equal does not.
 #include <algorithm>
 #include <span>
 #include <utility>
@@ -142,20 +144,24 @@ bool FaceSet::isWithinBigger(const Corners& corners, Sequence sequence) {
     if (refs_.getFaces(corners[i]).size() < refs_.getFaces(rarest).size()) rarest = corners[i];
   }
   const auto bigger = refs_.getFaces(rarest);
-  if (bigger.size() <= longList) {
+  // To add a list to the index costs as much as some hundred walks through it.
+  constexpr unsigned manyQuestions = 256;
+  const unsigned question = bigger.size() <= longList ? 0 : getIndex().countQuestion(rarest);
+  if (question <= manyQuestions) {
     return std::any_of(bigger.begin(), bigger.end(), [&](ShapeId face) {
       return sequences_[face] < sequence &&
              isEquivOrSubsetOf(corners, faces_[face], vertexOrdering_);
     });
   }
   FaceIndex& index = getIndex();
-  if (index.isFirstTime(rarest)) {
+  if (question == manyQuestions + 1) {
     for (const ShapeId face : bigger) index.addBigger(faces_[face], sequences_[face]);
   }
   return index.isWithinBigger(corners, sequence);
 }
 
-// The face of this set with the same corners; noShape if there is none.
+// The face of this set with the same corners; noShape if there is none. Faces of other sizes, which
+// stand behind those of this size in the lists, are not looked at.
 ShapeId FaceSet::findEqual(const Corners& corners, ShapeId firstOfSize) {
   const CoordId least = getLeastCorner(corners);
   ShapeId equal = noShape;

@@ -17,7 +17,7 @@ Corners normalize(const Corners& corners, int vertexOrdering) {
     }
   };
   turn();
-  if (vertexOrdering == 0 || n == 2) {
+  if (vertexOrdering == 0) {
     std::reverse(turned.begin(), turned.begin() + n);
     turn();
   }
@@ -27,7 +27,7 @@ Corners normalize(const Corners& corners, int vertexOrdering) {
 }  // namespace
 
 void FaceIndex::addEqual(const Corners& corners, ShapeId face) {
-  equals_.emplace(normalize(corners, vertexOrdering_), face);
+  equals_.try_emplace(normalize(corners, vertexOrdering_), face);
 }
 
 ShapeId FaceIndex::findEqual(const Corners& corners) const {
@@ -36,7 +36,7 @@ ShapeId FaceIndex::findEqual(const Corners& corners) const {
 }
 
 void FaceIndex::addPart(const Corners& part, Sequence sequence) {
-  const auto [place, isNew] = parts_.emplace(part, sequence);
+  const auto [place, isNew] = parts_.try_emplace(part, sequence);
   if (!isNew) place->second = std::min(place->second, sequence);
 }
 

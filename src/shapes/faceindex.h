@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <unordered_map>
-#include <unordered_set>
 
 #include "shapes/face.h"
 #include "values/hash.h"
@@ -29,8 +28,8 @@ class FaceIndex {
   // The face added that equals `corners`; noShape if there is none.
   [[nodiscard]] ShapeId findEqual(const Corners& corners) const;
 
-  // Whether the list of bigger faces at a point is to be added: it is asked for the first time.
-  bool isFirstTime(CoordId coord) { return known_.insert(coord).second; }
+  // How often the list of bigger faces at a point has been asked for, this time included.
+  unsigned countQuestion(CoordId coord) { return ++questions_[coord]; }
   // Adds what a bigger face contains.
   void addBigger(const Corners& corners, Sequence sequence);
   // Whether a bigger face, inserted before `sequence`, contains `corners`.
@@ -49,7 +48,7 @@ class FaceIndex {
   int vertexOrdering_;
   std::unordered_map<CoordId, ShapeId> newest_;
   std::unordered_map<Corners, ShapeId, Hash> equals_;
-  std::unordered_set<CoordId> known_;
+  std::unordered_map<CoordId, unsigned> questions_;
   std::unordered_map<Corners, Sequence, Hash> parts_;  // the first face that contains it
 };
 

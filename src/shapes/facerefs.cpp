@@ -1,7 +1,6 @@
 #include "shapes/facerefs.h"
 
 #include <algorithm>
-#include <functional>
 
 namespace varimesh {
 

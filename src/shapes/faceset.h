@@ -12,10 +12,10 @@
 namespace varimesh {
 
 // Faces are inserted as candidates; when the set is finished, those that lie within a face that was
-// inserted before are left out. The others are kept in octree order, so that the faces round a cell
-// lie near each other in memory: a mesh whose faces come in no order at all is simplified almost as
-// fast as one whose faces come in rows. The order in which they were inserted is kept beside them,
-// since all results depend on it.
+// inserted before are left out. Where they come in no order at all, the others are kept in octree
+// order, so that the faces round a cell lie near each other in memory: such a mesh is simplified
+// almost as fast as one whose faces come in rows. The order in which they were inserted is kept
+// beside them, since all results depend on it.
 class FaceSet : public ShapeSet {
  public:
   static int nolines;  // non-zero: faces that shrink to segments are dropped

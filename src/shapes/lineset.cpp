@@ -37,6 +37,7 @@ bool LineSet::isKnown(const Ends& ends) {
 
 std::unique_ptr<ShapeSet> LineSet::generateNextLOD() {
   auto next = std::make_unique<LineSet>(lod + 1, coordSet, attributes);
+  handOver(*next);
   for (ShapeId shape = 0; shape < lines_.size(); ++shape) {
     next->insert({getRepresentOfVertex(shape, 0), getRepresentOfVertex(shape, 1)});
   }

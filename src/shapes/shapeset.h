@@ -4,7 +4,6 @@
 #include <array>
 #include <memory>
 #include <span>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -146,13 +145,13 @@ class ShapeSet : public Shape {
   std::vector<ShapeId> order;
 
   // Equal shapes have the same least corner, so those of each least corner form a list.
-  void reserveList(std::size_t shapes) {
-    nextInList_.clear();
-    nextInList_.reserve(shapes);
-  }
+  void reserveList(std::size_t shapes) { nextInList_.reserve(shapes); }
   // Gives the next level what is of no use any longer, since small shapes spend much of their time
   // in getting memory.
-  void handOver(ShapeSet& next) { next.nextInList_ = std::move(nextInList_); }
+  void handOver(ShapeSet& next) {
+    next.nextInList_ = std::move(nextInList_);
+    next.nextInList_.clear();
+  }
   void linkNewest(CoordId leastCorner) {
     nextInList_.push_back(coordSet.setHead(leastCorner, static_cast<ShapeId>(nextInList_.size())));
   }
