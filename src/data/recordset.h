@@ -18,7 +18,11 @@ template <class Record>
 class RecordSet : public DataSet {
  public:
   // Announces how many values are coming.
-  void reserve(std::size_t values) { array.reserve(values); }
+  void reserve(std::size_t values) {
+    constexpr std::size_t few = 32;  // more may be the same value over and over
+    array.reserve(values);
+    records.reserve(std::min(values, few));
+  }
 
   // Adds the next value of the input and returns the record that stands for it.
   Reference insert(const Record& record) {

@@ -108,6 +108,7 @@ void OctreeCoordSet::beginShape(std::span<const int> positions, bool withLevels)
   endShape();
   isWithLevels_ = withLevels;
   localIds_.resize(records.size(), noCoord);
+  usedPoints_.reserve(std::min(positions.size(), records.size()));
   for (const int position : positions) {
     if (position < 0 || position > getMaxIndex()) continue;
     const Reference point = getIndex(position);

@@ -54,12 +54,15 @@ consteval KeywordTable makeKeywordTable() {
 
 inline constexpr KeywordTable keywordTable = makeKeywordTable();
 
-// The longest keyword that the text begins with, or null. The text is not empty.
+// The longest keyword that the text begins with, or null. No keyword is a single character.
 inline const Keyword* findKeyword(std::string_view text) {
+  if (text.size() < 2) return nullptr;
   const auto first = static_cast<unsigned char>(text[0]);
   if (first >= 128) return nullptr;
   for (std::size_t i = keywordTable.begins[first]; i < keywordTable.begins[first + 1u]; ++i) {
-    if (text.starts_with(keywordTable.keywords[i].word)) return &keywordTable.keywords[i];
+    const Keyword& keyword = keywordTable.keywords[i];
+    // Most words that begin with the same letter go on with another.
+    if (text[1] == keyword.word[1] && text.starts_with(keyword.word)) return &keyword;
   }
   return nullptr;
 }

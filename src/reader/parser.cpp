@@ -69,11 +69,11 @@ class Parser {
 
   bool item();
   bool use();
-  bool unknownNode(std::string name);
-  bool openNode(const NodeRule& rule, std::string name);
-  bool closeNode(OpenNode node);
+  bool unknownNode(std::string&& name);
+  bool openNode(const NodeRule& rule, std::string&& name);
+  bool closeNode(OpenNode& node);
   bool fields(const NodeRule& rule, std::vector<Field>& list);
-  void addItem(std::unique_ptr<Node> node, std::string name);
+  void addItem(std::unique_ptr<Node> node, std::string&& name);
 
   bool element(int& value);
   bool element(float& value);
@@ -132,10 +132,10 @@ int Parser::parse() {
     if (open_.empty()) {
       if (is(TOKEN_END)) break;
     } else if (accept('}')) {
-      OpenNode node = std::move(open_.back());
-      open_.pop_back();
+      OpenNode& node = open_.back();
       stackUsed_ -= stackEntries(*node.rule);
-      if (!closeNode(std::move(node))) return status_;
+      if (!closeNode(node)) return status_;
+      open_.pop_back();
       continue;
     }
     if (!item()) return status_;
@@ -167,7 +167,7 @@ bool Parser::use() {
   return true;
 }
 
-bool Parser::unknownNode(std::string name) {
+bool Parser::unknownNode(std::string&& name) {
   std::string type(yylval.text);
   consume();
   if (!is(TOKEN_UNKNOWNBODY)) return parseError();
@@ -179,7 +179,7 @@ bool Parser::unknownNode(std::string name) {
 }
 
 // Reads a node up to its children; to its end, if its type has none.
-bool Parser::openNode(const NodeRule& rule, std::string name) {
+bool Parser::openNode(const NodeRule& rule, std::string&& name) {
   OpenNode node{&rule, {}, std::move(name), items_.size()};
   node.init.type = rule.type;
   node.init.firstLine = yylval.integer;
@@ -192,14 +192,14 @@ bool Parser::openNode(const NodeRule& rule, std::string name) {
     consume();
   }
   if (!fields(rule, node.init.fields)) return false;
-  if (!rule.children) return expect('}') && closeNode(std::move(node));
+  if (!rule.children) return expect('}') && closeNode(node);
   stackUsed_ += stackEntries(rule);
   open_.push_back(std::move(node));
   return true;
 }
 
-// Builds the node whose closing brace has just been consumed.
-bool Parser::closeNode(OpenNode node) {
+// Builds the node whose closing brace has just been consumed, from what `node` holds.
+bool Parser::closeNode(OpenNode& node) {
   const bool isLevels = node.init.type == NODE_LOD || node.init.type == NODE_LevelOfDetail;
   if (isLevels && yacc_nolods == 0) {
     std::fprintf(stderr, "error: this file already contains Levels of Detail\n");
@@ -214,7 +214,7 @@ bool Parser::closeNode(OpenNode node) {
   return true;
 }
 
-void Parser::addItem(std::unique_ptr<Node> node, std::string name) {
+void Parser::addItem(std::unique_ptr<Node> node, std::string&& name) {
   node->name = std::move(name);
   node->registerName();
   items_.push_back(std::move(node));

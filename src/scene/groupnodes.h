@@ -26,7 +26,7 @@ class GroupNode : public Node {
   std::uint64_t joinSignature = 0;  // of the group with all below it, once that has been joined
   bool isOpen = false;  // while the traversal is inside: a USE that comes here again is an error
 
-  GroupNode(NodeInit init, NodeList nodes) : Node(std::move(init)), children(std::move(nodes)) {}
+  GroupNode(NodeInit&& init, NodeList nodes) : Node(std::move(init)), children(std::move(nodes)) {}
   ~GroupNode() override;
 
   void print(Output& out, int indent) override;

@@ -1,6 +1,7 @@
 #include "scene/node.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
@@ -14,7 +15,7 @@ int Node::removedcount = 0;
 int Node::joinmode = 0;
 int Node::verbosejoin = 0;
 
-Node::Node(NodeInit init)
+Node::Node(NodeInit&& init)
     : type(init.type),
       firstLine(init.firstLine),
       lastLine(init.lastLine),
@@ -91,8 +92,16 @@ void Node::registerName() {
 }
 
 void Node::printPlace(std::FILE* file) const {
-  if (firstLine != 0 || lastLine != 0) std::fprintf(file, "%d-%d ", firstLine, lastLine);
-  std::fprintf(file, "%s: ", typeName().data());
+  if (firstLine != 0 || lastLine != 0) {
+    std::array<char, 2 * intRoom + 2> lines;
+    char* end = formatInt(lines.data(), firstLine);
+    *end++ = '-';
+    end = formatInt(end, lastLine);
+    *end++ = ' ';
+    std::fwrite(lines.data(), 1, static_cast<std::size_t>(end - lines.data()), file);
+  }
+  std::fwrite(typeName().data(), 1, typeName().size(), file);
+  std::fputs(": ", file);
 }
 
 void Node::message(const char* prefix, const char* format, ...) const {

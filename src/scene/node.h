@@ -49,7 +49,7 @@ class Node {
   static int joinmode;      // which attribute data differ in the present comparison
   static int verbosejoin;   // non-zero: joining and deletion report on standard output
 
-  explicit Node(NodeInit init);
+  explicit Node(NodeInit&& init);
   // A node that the program makes.
   explicit Node(NodeType kind) : type(kind), firstLine(0), lastLine(0) {}
   virtual ~Node();

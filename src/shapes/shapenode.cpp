@@ -140,6 +140,19 @@ void ShapeNode::beginShapeSet() {
   if (getMaterialSet().count <= 1) materialBinding = OVERALL;
 }
 
+namespace {
+
+// Formats the number itself: to leave progress to printf took 2.6 % of the instructions that small
+// shapes take.
+void printProgress(int level) {
+  std::array<char, intRoom + 1> text;
+  char* end = formatInt(text.data(), level);
+  *end++ = ' ';
+  std::fwrite(text.data(), 1, static_cast<std::size_t>(end - text.data()), stdout);
+}
+
+}  // namespace
+
 void ShapeNode::generateLODs(Levels& levels) const {
   // Progress is shown at once where there is something to wait for. A million small shapes would
   // spend a third of their time in showing it.
@@ -163,7 +176,7 @@ void ShapeNode::generateLODs(Levels& levels) const {
       message(kind.prefix, "lod %d: ", coordSet.getCurrentLOD());
       printLevelStatistics(*levels.back());
     } else {
-      std::printf("%d ", coordSet.getCurrentLOD());
+      printProgress(coordSet.getCurrentLOD());
       if (set.setCount >= largeSet) std::fflush(stdout);
     }
   }

@@ -22,21 +22,16 @@ constexpr int lastColumn = 1048576;  // no line is indented further than this
 
 // Writes `number` (below 10^15, in millionths) as a decimal fraction without trailing zeros.
 char* formatMillionths(char* out, std::uint64_t number) {
-  const std::uint64_t whole = number / 1000000;
-  auto fraction = static_cast<std::uint32_t>(number % 1000000);
-  out = std::to_chars(out, out + 20, whole).ptr;
+  out = formatInt(out, static_cast<int>(number / 1000000));
+  const auto fraction = static_cast<unsigned>(number % 1000000);
   if (fraction == 0) return out;
-  int digits = 6;
-  while (fraction % 10 == 0) {
-    fraction /= 10;
-    --digits;
-  }
   *out++ = '.';
-  for (int i = digits - 1; i >= 0; --i) {
-    out[i] = static_cast<char>('0' + fraction % 10);
-    fraction /= 10;
+  for (const unsigned pair : {fraction / 10000, fraction / 100 % 100, fraction % 100}) {
+    std::memcpy(out, &digitPairs[2 * std::size_t{pair}], 2);
+    out += 2;
   }
-  return out + digits;
+  while (out[-1] == '0') --out;
+  return out;
 }
 
 }  // namespace
@@ -68,18 +63,28 @@ void Output::writeLong(std::string_view text) {
 void printIndent(Output& out, int column) {
   if (global_noindent != 0) return;
   column = std::clamp(column, 0, lastColumn);
-  const auto repeat = [&out](std::string_view text, int count) {
-    for (auto left = static_cast<std::size_t>(count); left > 0;) {
-      const std::string_view part = text.substr(0, left);
-      out.write(part);
-      left -= part.size();
-    }
-  };
+  int tabs = 0;
   if (global_tab > 0) {
-    repeat("\t\t\t\t\t\t\t\t", column / global_tab);
+    tabs = column / global_tab;
     column %= global_tab;
   }
-  repeat("                                ", column);
+  // Nearly all lines: two copies of fixed size, of which the next text covers what is too much.
+  constexpr int usual = 16;
+  if (tabs <= usual && column <= usual) {
+    char* const room = out.reserve(2 * usual);
+    std::memset(room, '\t', usual);
+    std::memset(room + tabs, ' ', usual);
+    return out.advance(room + tabs + column);
+  }
+  const auto repeat = [&out](char c, int count) {
+    constexpr int most = 512;  // of what there is room for at once
+    for (int part; count > 0; count -= part) {
+      part = std::min(count, most);
+      out.advance(std::fill_n(out.reserve(most), part, c));
+    }
+  };
+  repeat('\t', tabs);
+  repeat(' ', column);
 }
 
 void printFloat(Output& out, double number) {

@@ -1,0 +1,93 @@
+// The program's memory management: operator new and delete, for one thread.
+//
+// A scene of small shapes is made of millions of small objects, some fifty for each shape. Small
+// blocks are cut from pools, and kept, once freed, in a list for each size; to get or to give back
+// one takes some ten instructions. Large blocks come from the C library. Measured beside the C
+// library alone, a hundred thousand small shapes take a sixth less time with levels and a fifth
+// less without.
+//
+// Only the program itself is linked with this, and not when it is built with sanitizers: the tests
+// and the fuzzers use the C library's management, so that each block is watched.
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+// Blocks are measured in units. Every block is preceded by a header in the last bytes of a unit, so
+// that it is itself aligned for every type.
+constexpr std::size_t unit = alignof(std::max_align_t);
+using Header = std::uint64_t;  // units of a small block, header included; 0: a large block
+static_assert(sizeof(Header) <= unit);
+
+constexpr std::size_t mostUnits = 64;                   // of a small block
+constexpr std::size_t poolSize = std::size_t{1} << 20;  // bytes that small blocks are cut from
+
+struct FreeBlock {
+  FreeBlock* next;
+};
+
+struct Memory {
+  std::array<FreeBlock*, mostUnits + 1> freeBlocks{};  // by size in units
+  // The part of the newest pool that has not been used yet; begins with the next block's header.
+  char* begin = nullptr;
+  char* end = nullptr;
+};
+constinit Memory memory;
+
+void* getLarge(std::size_t size) {
+  if (size > SIZE_MAX - unit) return nullptr;
+  char* const block = static_cast<char*>(std::malloc(size + unit));
+  if (block == nullptr) return nullptr;
+  char* const begin = block + unit;
+  reinterpret_cast<Header*>(begin)[-1] = 0;
+  return begin;
+}
+
+void* cutFromPool(std::size_t units) {
+  const std::size_t size = units * unit;
+  if (static_cast<std::size_t>(memory.end - memory.begin) < size) {
+    char* const pool = static_cast<char*>(std::malloc(poolSize));
+    if (pool == nullptr) return nullptr;
+    memory.begin = pool + unit - sizeof(Header);
+    memory.end = pool + poolSize;
+  }
+  auto* const header = reinterpret_cast<Header*>(memory.begin);
+  memory.begin += size;
+  *header = units;
+  return header + 1;
+}
+
+void* get(std::size_t size) {
+  if (size > mostUnits * unit - sizeof(Header)) return getLarge(size);
+  const std::size_t units = (size + sizeof(Header) + unit - 1) / unit;
+  FreeBlock* const block = memory.freeBlocks[units];
+  if (block == nullptr) return cutFromPool(units);
+  memory.freeBlocks[units] = block->next;
+  return block;
+}
+
+void giveBack(void* address) {
+  if (address == nullptr) return;
+  const Header units = static_cast<Header*>(address)[-1];
+  if (units == 0) return std::free(static_cast<char*>(address) - unit);
+  FreeBlock*& first = memory.freeBlocks[units];
+  first = ::new (address) FreeBlock{first};
+}
+
+}  // namespace
+
+// Never null: the handler that main sets ends the process.
+void* operator new(std::size_t size) {
+  for (;;) {
+    if (void* const address = get(size)) return address;
+    const std::new_handler handler = std::get_new_handler();
+    if (handler == nullptr) std::abort();
+    handler();
+  }
+}
+
+void operator delete(void* address) noexcept { giveBack(address); }
+void operator delete(void* address, std::size_t) noexcept { giveBack(address); }
