@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 
@@ -316,6 +317,32 @@ constexpr bool isEnd(char c) { return c == ',' || c == ' ' || c == '\n' || c == 
   return true;
 }
 
+// Nearly all floats have few digits on both sides of a point, and no exponent. To read these here
+// takes three quarters of the instructions of the general road, which computes the same.
+[[gnu::always_inline]] inline bool readShortDecimal(Place& place, float& element) {
+  constexpr std::ptrdiff_t mostDigits = 15;  // exact in double precision
+  const char* p = place.p;
+  const bool isNegative = *p == '-';
+  if (isNegative) ++p;
+  std::uint64_t digits = 0;  // wraps around beyond mostDigits; not used then
+  const auto readDigits = [&p, &digits] {
+    const char* const first = p;
+    for (; isDigit(*p); ++p) digits = 10 * digits + static_cast<unsigned char>(*p - '0');
+    return p - first;
+  };
+  const std::ptrdiff_t whole = readDigits();
+  if (*p != '.') return false;
+  ++p;
+  const std::ptrdiff_t decimals = readDigits();
+  const std::ptrdiff_t count = whole + decimals;
+  if (count == 0 || count > mostDigits || !isEnd(*p)) return false;
+  const double size =
+      static_cast<double>(digits) / exactPowersOfTen[static_cast<std::size_t>(decimals)];
+  element = static_cast<float>(isNegative ? -size : size);
+  place.p = p;
+  return true;
+}
+
 bool readElement(Place& place, int& element) {
   place.skipBlanks();
   if (readShortInteger(place, element)) {
@@ -329,6 +356,11 @@ bool readElement(Place& place, int& element) {
 }
 
 bool readElement(Place& place, float& element) {
+  place.skipBlanks();
+  if (readShortDecimal(place, element)) {
+    place.skipBlanks();
+    return true;
+  }
   Number number;
   if (!readNumber(place, number)) return false;
   element = number.real;

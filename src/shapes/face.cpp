@@ -80,10 +80,8 @@ Corners Face::getCorners() const {
 }
 
 Quadrangle::Quadrangle(std::span<const Vec, 4> points) {
-  std::array<Edge, 4> edges;
-  for (std::size_t i = 0; i < 4; ++i) edges[i] = Edge(points[i], points[(i + 1) % 4]);
+  for (std::size_t i = 0; i < 4; ++i) edges[i] = points[(i + 1) % 4] - points[i];
   for (std::size_t i = 0; i < 4; ++i) {
-    areas[i] = calcCornerArea(edges[(i + 3) % 4], edges[i]);
     normals[i] = calcCornerNormal(edges[(i + 3) % 4], edges[i]);
   }
   for (std::size_t i = 0; i < 4; ++i) {
@@ -96,7 +94,8 @@ Quadrangle::Quadrangle(std::span<const Vec, 4> points) {
 }
 
 double Quadrangle::getArea() const {
-  return diagonal == 1 ? double{areas[0]} + areas[2] : double{areas[1]} + areas[3];
+  const std::size_t first = diagonal == 1 ? 0 : 1;
+  return double{getCornerArea(first)} + getCornerArea(first + 2);
 }
 
 }  // namespace varimesh

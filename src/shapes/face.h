@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <span>
 
 #include "lod/coord.h"
@@ -53,10 +54,10 @@ class Face {
 // An edge with its length.
 struct Edge {
   Vec vector;
-  float length = 0;
+  float length;
 
-  Edge() = default;
-  Edge(const Vec& from, const Vec& to) : vector(to - from), length(vector.getLength()) {}
+  explicit Edge(const Vec& v) : vector(v), length(v.getLength()) {}
+  Edge(const Vec& from, const Vec& to) : Edge(to - from) {}
 };
 
 // The area of the triangle that a corner spans with its neighbours.
@@ -69,9 +70,9 @@ inline float calcCornerArea(const Edge& incoming, const Edge& outgoing) {
 }
 
 // The normal of a corner, of length 1; null when the corner spans nothing.
-inline Vec calcCornerNormal(const Edge& incoming, const Edge& outgoing) {
-  const Vec& a = outgoing.vector;
-  const Vec& b = incoming.vector;
+inline Vec calcCornerNormal(const Vec& incoming, const Vec& outgoing) {
+  const Vec& a = outgoing;
+  const Vec& b = incoming;
   const double x = double{a.y} * b.z - double{a.z} * b.y;
   const double y = double{a.z} * b.x - double{a.x} * b.z;
   const double z = double{a.x} * b.y - double{a.y} * b.x;
@@ -83,12 +84,16 @@ inline Vec calcCornerNormal(const Edge& incoming, const Edge& outgoing) {
 
 // How a quadrangle would be cut, and whether it must be.
 struct Quadrangle {
-  std::array<float, 4> areas;  // of the triangles that the corners span
+  std::array<Vec, 4> edges;    // from each corner to the next
   std::array<Vec, 4> normals;  // of the corners; a null one is replaced by that of the next corner
   int diagonal;                // 0: from corner 0 to corner 2; 1: from corner 1 to corner 3
   bool isIrregular;            // not flat enough to stay a quadrangle
 
   explicit Quadrangle(std::span<const Vec, 4> points);
+  // The area of the triangle that a corner spans.
+  [[nodiscard]] float getCornerArea(std::size_t corner) const {
+    return calcCornerArea(Edge(edges[(corner + 3) % 4]), Edge(edges[corner]));
+  }
   // The sum of the areas of the two triangles of the cut.
   [[nodiscard]] double getArea() const;
 };

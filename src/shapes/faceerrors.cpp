@@ -28,8 +28,8 @@ void addTriangle(std::span<const CoordId> coords, const OctreeCoordSet& coordSet
   const Edge incoming(points[2], points[0]);
   const Edge outgoing(points[0], points[1]);
   const float area = calcCornerArea(incoming, outgoing);
-  Vec normal = calcCornerNormal(incoming, outgoing);
-  if (normal.isNullVector() != 0) normal = calcCornerNormal(outgoing, Edge(points[1], points[2]));
+  Vec normal = calcCornerNormal(incoming.vector, outgoing.vector);
+  if (normal.isNullVector() != 0) normal = calcCornerNormal(outgoing.vector, points[2] - points[1]);
 
   for (std::size_t k = 0; k < cell.candidates.size(); ++k) {
     const Vec& target = cell.candidates[k];
@@ -60,14 +60,14 @@ void addQuadrangle(std::span<const CoordId> coords, const OctreeCoordSet& coordS
   const double area = quadrangle.getArea();
   // The cut makes two triangles, both with the base corner.
   const std::size_t base = quadrangle.diagonal == 0 ? 0 : 1;
+  const float baseArea = quadrangle.getCornerArea(base);
   const auto isMoved = [&](std::size_t i) { return moves[(base + i) % 4]; };
   const bool firstMoves = isMoved(0) || isMoved(1) || isMoved(2);
   const bool secondMoves = isMoved(0) || isMoved(2) || isMoved(3);
 
   for (std::size_t k = 0; k < cell.candidates.size(); ++k) {
     const Vec& target = cell.candidates[k];
-    const double volume =
-        calcVolume(target - points[base], quadrangle.normals[base], quadrangle.areas[base]);
+    const double volume = calcVolume(target - points[base], quadrangle.normals[base], baseArea);
     errors.volume[k] += (firstMoves ? volume : 0) + (secondMoves ? volume : 0);
 
     // Corners that come to lie on one point next to each other merge.
@@ -78,7 +78,9 @@ void addQuadrangle(std::span<const CoordId> coords, const OctreeCoordSet& coordS
       moved[n++] = moves[i] ? target : points[i];
     }
     double movedArea = 0;
-    if (n == 4) {
+    if (n == 4 && moved == points) {
+      movedArea = area;
+    } else if (n == 4) {
       movedArea = Quadrangle(moved).getArea();
     } else if (n == 3) {
       movedArea = calcCornerArea(Edge(moved[2], moved[0]), Edge(moved[0], moved[1]));
