@@ -558,37 +558,36 @@ void writeUseBomb(SceneText& text, int size, Random&) {
   text.write("}\n");
 }
 
-void writeAscendingNormals(SceneText& text, int size, Random& random) {
-  const Mesh mesh = makeTerrain(size, random);
+// A terrain whose faces have an entry each of an attribute node: "Normal" or "Material".
+template <class WriteEntry>
+void writeTerrainByFace(SceneText& text, const Mesh& mesh, const std::string& node,
+                        const char* field, const char* indexField, WriteEntry writeEntry) {
   const std::size_t count = mesh.triangles.size();
-  text.write("Separator {\n  NormalBinding { value PER_FACE_INDEXED }\n");
+  text.write("Separator {\n  " + node + "Binding { value PER_FACE_INDEXED }\n");
   text.writePoints(mesh.points);
-  text.write("  Normal {\n");
-  text.writeList("vector", count, [&](std::size_t i) {
-    text.writeExact(static_cast<double>(i));
-    text.write(" 1 0");
-  });
+  text.write("  " + node + " {\n");
+  text.writeList(field, count, writeEntry);
   text.write("  }\n  IndexedFaceSet {\n");
   text.writeTriangleList("coordIndex", mesh.triangles);
-  text.writeList("normalIndex", count, [&](std::size_t i) { text.writeInt(static_cast<int>(i)); });
+  text.writeList(indexField, count, [&](std::size_t i) { text.writeInt(static_cast<int>(i)); });
   text.write("  }\n}\n");
+}
+
+void writeAscendingNormals(SceneText& text, int size, Random& random) {
+  writeTerrainByFace(text, makeTerrain(size, random), "Normal", "vector", "normalIndex",
+                     [&](std::size_t i) {
+                       text.writeExact(static_cast<double>(i));
+                       text.write(" 1 0");
+                     });
 }
 
 void writeAscendingMaterials(SceneText& text, int size, Random& random) {
   const Mesh mesh = makeTerrain(size, random);
-  const std::size_t count = mesh.triangles.size();
-  text.write("Separator {\n  MaterialBinding { value PER_FACE_INDEXED }\n");
-  text.writePoints(mesh.points);
-  text.write("  Material {\n");
-  text.writeList("diffuseColor", count, [&](std::size_t i) {
-    text.writeFixed(static_cast<double>(i) / static_cast<double>(count), 9);
+  const auto count = static_cast<double>(mesh.triangles.size());
+  writeTerrainByFace(text, mesh, "Material", "diffuseColor", "materialIndex", [&](std::size_t i) {
+    text.writeFixed(static_cast<double>(i) / count, 9);
     text.write(" 0.5 0.5");
   });
-  text.write("  }\n  IndexedFaceSet {\n");
-  text.writeTriangleList("coordIndex", mesh.triangles);
-  text.writeList("materialIndex", count,
-                 [&](std::size_t i) { text.writeInt(static_cast<int>(i)); });
-  text.write("  }\n}\n");
 }
 
 // Names in ascending order, each of them used once.

@@ -1,12 +1,9 @@
-// The levels of detail: against the plain form of the rules, and what holds for every level.
+// The levels of detail, against the plain form of the rules.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <map>
-#include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -72,17 +69,13 @@ std::vector<Point> makePoints(Random& random, int n) {
 Mesh makeMesh(Random& random) {
   static constexpr std::array noises = {0.0, 0.02, 0.1, 0.5};
   static constexpr std::array sizes = {8, 8, 8, 60, 60, 400};
-  const int kind = pick(random, 12);
+  const int kind = pick(random, 8);
   const int size = 1 + pick(random, pick(random, 8) == 0 ? 20 : 6);
-  const int count = 3 + pick(random, 15);
   const double noise = oneOf(random, noises);
   const auto seed = static_cast<unsigned>(pick(random, 1000));
   switch (kind) {
     case 0: return meshes::noisyGrid(size, noise, seed);
     case 1: return meshes::sphere(1 + size, 3 + size, seed % 2 == 0);
-    case 2: return meshes::fan(count);
-    case 3: return meshes::terrain(size, seed);
-    case 4: return meshes::soup(count, 3 * size, seed);
     default: break;
   }
   Mesh mesh;
@@ -170,25 +163,6 @@ Case makeCase(unsigned seed) {
   return result;
 }
 
-// The points and outlines of a case that failed.
-std::string toString(const Case& c) {
-  std::string text;
-  for (const Point& p : c.points) {
-    for (const float x : p) text += std::to_string(x) + " ";
-    text += "\n";
-  }
-  for (const Input& input : c.inputs) {
-    text += "shape of type " + std::to_string(input.shapeType) + ":";
-    for (const Outline& outline : input.outlines) {
-      text += " (";
-      for (const Corner& corner : outline) text += " " + std::to_string(corner.point);
-      text += " )";
-    }
-    text += "\n";
-  }
-  return text;
-}
-
 void compareWithPlainLevels(const Case& c) {
   const RulesInForce rules(c.rules);
   const plain::Result expected = plain::generate(c.points, c.inputs, c.rules);
@@ -210,13 +184,8 @@ void compareWithPlainLevels(const Case& c) {
 
 TEST(Levels, AreThoseOfThePlainRules) {
   for (unsigned seed = 0; seed < 4000; ++seed) {
-    const Case c = makeCase(seed);
-    compareWithPlainLevels(c);
-    if (HasFatalFailure()) {
-      const bool isSmall = c.points.size() < 40;
-      FAIL() << "seed " << seed << ", " << c.points.size() << " points\n"
-             << (isSmall ? toString(c) : "");
-    }
+    compareWithPlainLevels(makeCase(seed));
+    if (HasFatalFailure()) FAIL() << "seed " << seed;
   }
 }
 
@@ -377,117 +346,6 @@ TEST(FaceIndex, AnswersAsAWalkWould) {
       }
       EXPECT_EQ(index.findEqual(face), equal);
     }
-  }
-}
-
-// The numbers of a printed index list, one group for each -1.
-std::vector<std::vector<int>> parseList(const std::string& text) {
-  std::vector<std::vector<int>> groups(1);
-  std::istringstream in(text.substr(text.find('[') + 1));
-  char comma = 0;
-  for (int number = 0; in >> number; in >> comma) {
-    if (number == -1) {
-      groups.emplace_back();
-    } else {
-      groups.back().push_back(number);
-    }
-  }
-  groups.pop_back();
-  return groups;
-}
-
-// With an unknown vertex ordering triangles with the same corners are the same. (Quadrangles may be
-// joined in another order, and a triangle within a quadrangle may come first.)
-void expectNothingTwice(const std::vector<std::vector<int>>& polygons) {
-  std::map<int, std::vector<std::set<int>>> seen;  // by each of the corners
-  for (const auto& polygon : polygons) {
-    const std::set<int> corners(polygon.begin(), polygon.end());
-    EXPECT_EQ(corners.size(), polygon.size());
-    for (const auto& other : seen[polygon[0]]) {
-      if (corners.size() < 4) {
-        EXPECT_NE(other, corners);
-      }
-    }
-    for (const int corner : polygon) seen[corner].push_back(corners);
-  }
-}
-
-Input toInput(const Mesh& mesh) {
-  Input input;
-  for (const auto& polygon : mesh.polygons) {
-    Outline outline;
-    for (const int point : polygon) outline.push_back({point});
-    input.outlines.push_back(outline);
-  }
-  return input;
-}
-
-// Follows every point of a mesh through its levels. `reach`, in diagonals of the cells that the
-// range of a level speaks of, is how far from its place a point may come to stand.
-void checkLevels(const Mesh& mesh, double reach) {
-  const auto set = makeCoordSet(mesh.points);
-  const double factor = 2 * std::tan(0.785398 / 2) * 0.02;
-  std::vector<Vec> places;
-  std::vector<CoordId> standIns;
-  const auto follow = [&] {
-    for (std::size_t i = 0; i < standIns.size(); ++i) {
-      standIns[i] = set->getRepresent(standIns[i]);
-      if (standIns[i] == noCoord) continue;  // no face had it in the end
-      const Vec moved = set->getOctreeCoord(standIns[i]).getPosition() - places[i];
-      EXPECT_LE(moved.getLength(), reach * set->getRange() * factor * 1.00001);
-    }
-  };
-  std::vector<int> positions;
-  for (const auto& polygon : mesh.polygons) {
-    positions.insert(positions.end(), polygon.begin(), polygon.end());
-  }
-  set->beginShape(positions, true);
-  for (const OctreeCoord& coord : set->getOctreeCoords()) {
-    standIns.push_back(static_cast<CoordId>(standIns.size()));
-    places.push_back(coord.getPosition());
-  }
-  const LevelRun run = runLevels(*set, toInput(mesh), {}, follow);
-
-  EXPECT_GT(run.levels.size(), 3U);
-  std::set<int> before(positions.begin(), positions.end());
-  for (std::size_t k = 0; k < run.levels.size(); ++k) {
-    SCOPED_TRACE(k);
-    const auto& faces = dynamic_cast<const FaceSet&>(*run.levels[k]);
-    const auto list = [&](FaceSet::Mode mode) {
-      return parseList(catchOutput([&](Output& out) { faces.print(out, 0, mode); }));
-    };
-    const auto polygons = list(FaceSet::polygons);
-    const auto segments = list(FaceSet::segments);
-    expectNothingTwice(polygons);
-    expectNothingTwice(segments);
-    std::set<int> points;
-    for (const auto& polygon : polygons) points.insert(polygon.begin(), polygon.end());
-    for (const auto& segment : segments) points.insert(segment.begin(), segment.end());
-    EXPECT_EQ(static_cast<int>(points.size()), run.used[k]);
-    EXPECT_TRUE(std::includes(before.begin(), before.end(), points.begin(), points.end()));
-    if (k > 0 && CoordSet::minDiff > 0) {
-      EXPECT_LT(run.used[k], run.used[k - 1]);
-      EXPECT_LE(run.used[k], (1 - double{CoordSet::minDiff}) * run.used[k - 1] + 1);
-    }
-    if (k > 1) {
-      EXPECT_GT(run.levels[k - 1]->range, run.levels[k - 2]->range);
-    }
-    before = points;
-  }
-}
-
-TEST(Levels, UseFewerPointsThatStayInTheirCells) {
-  const std::array shapes = {meshes::sphere(10, 16),         meshes::sphere(10, 16, true),
-                             meshes::terrain(16, 1),         meshes::noisyGrid(12, 0, 2),
-                             meshes::noisyGrid(12, 0.02, 3), meshes::noisyGrid(12, 0.4, 4),
-                             meshes::soup(200, 400, 5)};
-  for (std::size_t i = 0; i < shapes.size(); ++i) {
-    SCOPED_TRACE(i);
-    checkLevels(shapes[i], 2);
-    plain::Rules wholeLayers;
-    wholeLayers.minDiff = -1;
-    const RulesInForce rules(wholeLayers);
-    checkLevels(shapes[i], 1);
   }
 }
 

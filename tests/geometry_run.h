@@ -64,10 +64,9 @@ inline Vertex toVertex(const OctreeCoordSet& set, const plain::Outline& outline,
   return {set.getCoord(c.point), c.material, c.normal, c.texture};
 }
 
-// The levels of one shape; `afterLevel` is called when the points of a level have been made.
-template <class AfterLevel>
-LevelRun runLevels(OctreeCoordSet& set, const plain::Input& input,
-                   const ShapeAttributes& attributes, AfterLevel afterLevel) {
+// The levels of one shape.
+inline LevelRun runLevels(OctreeCoordSet& set, const plain::Input& input,
+                          const ShapeAttributes& attributes = {}) {
   std::vector<int> positions;
   for (const auto& outline : input.outlines) {
     for (const auto& corner : outline) positions.push_back(corner.point);
@@ -93,17 +92,11 @@ LevelRun runLevels(OctreeCoordSet& set, const plain::Input& input,
   while (run.used.back() > 1 && run.levels.back()->setCount > 0) {
     ShapeSet& present = *run.levels.back();
     set.generateNextLOD(present);
-    afterLevel();
     run.levels.push_back(present.generateNextLOD());
     present.range = set.getRange();
     run.used.push_back(set.getCountUsed());
   }
   return run;
-}
-
-inline LevelRun runLevels(OctreeCoordSet& set, const plain::Input& input,
-                          const ShapeAttributes& attributes = {}) {
-  return runLevels(set, input, attributes, [] {});
 }
 
 // What a printer writes, every list on one line.

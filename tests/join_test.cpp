@@ -103,20 +103,6 @@ TEST(Join, DifferingMaterialsBecomeIndices) {
             "error: 3-3 IndexedLineSet: join mode is material - second materiaIndex == NULL\n");
 }
 
-TEST(Join, NormalsAndTextureCoordinatesAreCarriedOver) {
-  const auto part = [](int z, const std::string& normal, const std::string& texture) {
-    return triangle(z,
-                    "NormalBinding { value PER_FACE_INDEXED } Normal { vector [ " + normal +
-                        " ] } TextureCoordinate2 { point [ " + texture + " ] }",
-                    "normalIndex [ 0 ] textureCoordIndex [ 0,0,0,-1 ]");
-  };
-  const Joined joined = run(part(0, "1 0 0", "0 0") + part(1, "0 1 0", "1 1") + "Cube { }");
-  for (const char* list : {"vector [ 1 0 0,0 1 0 ]", "point [ 0 0,1 1 ]", "normalIndex [ 0,1 ]",
-                           "textureCoordIndex [ 0,0,0,-1,1,1,1,-1 ]"}) {
-    EXPECT_NE(joined.text.find(list), std::string::npos) << list << "\n" << joined.text;
-  }
-}
-
 TEST(Join, WhatWouldShowIsNotJoined) {
   // A separator in a group that has something behind it must keep what it sets to itself.
   const std::string inner = "Separator { Material { diffuseColor 1 0 0 } Sphere { } }";

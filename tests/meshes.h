@@ -3,7 +3,6 @@
 
 #include <array>
 #include <random>
-#include <string>
 #include <vector>
 
 namespace varimesh::meshes {
@@ -22,17 +21,7 @@ int pick(Random& random, int n);  // 0 to n - 1
 
 // Triangles; quadrangles between the rings but at the poles with `quads`.
 Mesh sphere(int rings, int sectors, bool quads = false);
-// A square of n x n cells with hills: two triangles for each cell.
-Mesh terrain(int n, unsigned seed);
 // A square of n x n quadrangles. Its points are moved at random by at most `noise` cells on each
 // axis: 0 gives flat squares, 0.02 nearly flat ones, 0.5 bent and twisted ones.
 Mesh noisyGrid(int n, double noise, unsigned seed);
-// Triangles with a common corner.
-Mesh fan(int triangles);
-// Points anywhere in a cube, and polygons of two to four corners between any of them.
-Mesh soup(int points, int polygons, unsigned seed);
-
-// The mesh as a scene: its Coordinate3 and IndexedFaceSet (or IndexedLineSet, of the outlines).
-std::string toScene(const Mesh& mesh, bool lines = false);
-
 }  // namespace varimesh::meshes

@@ -40,22 +40,6 @@ struct OptionTest : testing::Test {
 
 using Words = std::vector<std::string>;
 
-TEST_F(OptionTest, TakesOptionsOutAndKeepsTheRestInOrder) {
-  ASSERT_TRUE(parse({"a", "-f", "b", "--text", "x", "c", "-n", "12", "d"}));
-  EXPECT_EQ(words, (Words{"a", "b", "c", "d"}));
-  EXPECT_TRUE(flag.isSpecified());
-  EXPECT_STREQ(text.getValue(), "x");
-  EXPECT_EQ(number.getValue(), 12);
-  EXPECT_FALSE(real.isSpecified());
-  EXPECT_EQ(real.getValue(), 2.5);
-}
-
-TEST_F(OptionTest, LeavesPlainWordsAlone) {
-  ASSERT_TRUE(parse({"a", "", "b"}));
-  EXPECT_EQ(words, (Words{"a", "", "b"}));
-  EXPECT_FALSE(flag.isSpecified() || text.isSpecified() || number.isSpecified());
-}
-
 TEST_F(OptionTest, MayBeWithoutWordsAndInAnyOrder) {
   int argc = 0;
   char* argv[] = {nullptr};
@@ -108,16 +92,6 @@ TEST_F(OptionTest, ConvertsNumbersAsFarAsTheyGo) {
   EXPECT_EQ(real.getValue(), 1.5);
   real.setParameter("");
   EXPECT_EQ(real.getValue(), 0.0);
-}
-
-TEST_F(OptionTest, FindsTheNewestOptionUntilItIsGone) {
-  {
-    const OptionFlag newer{"flag", "g"};
-    EXPECT_EQ(Option::findByLongName("flag"), &newer);
-    EXPECT_EQ(Option::findByShortName("f"), &flag);
-  }
-  EXPECT_EQ(Option::findByLongName("flag"), &flag);
-  EXPECT_EQ(Option::findByShortName("g"), nullptr);
 }
 
 }  // namespace

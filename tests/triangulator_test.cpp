@@ -228,16 +228,6 @@ TEST_F(TriangulatorTest, Quadrilaterals) {
   EXPECT_EQ(triangles(), (std::vector<Triangle>{{1, 2, 0}, {2, 3, 0}}));
 }
 
-TEST_F(TriangulatorTest, NothingStaysBehindAfterReset) {
-  Random random(1);
-  expectTiling(placed(convex(9, random), 0, true));
-  EXPECT_EQ(run({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}), 1);
-  EXPECT_EQ(triangles(), (std::vector<Triangle>{{0, 1, 2}}));
-  double x, y, z;
-  EXPECT_EQ(triangulator.getPoint(0, 1, x, y, z), 1);
-  EXPECT_EQ((Vec3{x, y, z}), (Vec3{1, 0, 0}));
-}
-
 // ---- The plane
 
 TEST_F(TriangulatorTest, CrossingOfSegments) {
@@ -344,17 +334,6 @@ TEST_F(TriangulatorTest, TilesLargePolygons) {
   }
 }
 
-TEST_F(TriangulatorTest, AnyOrderOfTheSegmentsTiles) {
-  Random random(3);
-  const Polygon star = placed(jaggedStar(99, random), 0, false);
-  for (unsigned seed = 0; seed < 200 && !HasFatalFailure(); ++seed) {
-    Triangulator::fixedSeed = seed;
-    expectTiling(star);
-  }
-  Triangulator::fixedSeed.reset();
-  expectTiling(star);
-}
-
 TEST_F(TriangulatorTest, ScaleIsFreeAboveTheTolerance) {
   Random random(5);
   for (const double scale : {1e-3, 1e6, 1e12, 1e30}) {
@@ -368,26 +347,6 @@ TEST_F(TriangulatorTest, ScaleIsFreeAboveTheTolerance) {
   CaptureStderr();
   EXPECT_EQ(run(p), 0);
   EXPECT_NE(GetCapturedStderr(), "");
-}
-
-// Past the check of the plane, a repeated first corner costs no more than a flat triangle.
-TEST_F(TriangulatorTest, RepeatedFirstCornerAtTheEnd) {
-  for (const bool backwards : {false, true}) {
-    Random random(2);
-    Polygon p = placed(jaggedStar(12, random), 0, backwards);
-    p.push_back(p.front());
-    triangulator.reset();
-    for (const Vec3& c : p) {
-      triangulator.addPoint(c[0], c[1], c[2]);
-      triangulator.addPoint(c[0], c[1]);
-    }
-    ASSERT_EQ(triangulator.triangulate(), 1);
-    int flat = 0;
-    for (const Triangle& t : triangles()) {
-      flat += std::count(t.begin(), t.end(), 0) + std::count(t.begin(), t.end(), 12) == 2;
-    }
-    EXPECT_EQ(flat, 1);
-  }
 }
 
 // ---- Bad input
