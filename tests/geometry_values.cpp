@@ -75,6 +75,21 @@ TEST(Output, WritesOnlyNumbersThatAReaderTakes) {
               }) == "(" + text + ")");
 }
 
+TEST(Output, IndentsToAnyColumn) {
+  const int usual = global_tab;
+  for (const int tab : {0, 1, 8}) {
+    global_tab = tab;
+    for (const int column : {-1, 0, 7, 16, 17, 100, 2000}) {
+      const auto size = static_cast<std::size_t>(std::max(column, 0));
+      const std::size_t tabs = tab > 0 ? size / static_cast<std::size_t>(tab) : 0;
+      const std::size_t blanks = tab > 0 ? size % static_cast<std::size_t>(tab) : size;
+      EXPECT_EQ(catchOutput([&](Output& out) { printIndent(out, column); }),
+                std::string(tabs, '\t') + std::string(blanks, ' '));
+    }
+  }
+  global_tab = usual;
+}
+
 // ---- Transformations, against plain products in double precision
 
 using Rows = std::array<std::array<double, 4>, 4>;

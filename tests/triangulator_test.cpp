@@ -349,6 +349,26 @@ TEST_F(TriangulatorTest, ScaleIsFreeAboveTheTolerance) {
   EXPECT_NE(GetCapturedStderr(), "");
 }
 
+// Past the check of the plane, a repeated first corner costs no more than a flat triangle.
+TEST_F(TriangulatorTest, RepeatedFirstCornerAtTheEnd) {
+  for (const bool backwards : {false, true}) {
+    Random random(2);
+    Polygon p = placed(jaggedStar(12, random), 0, backwards);
+    p.push_back(p.front());
+    triangulator.reset();
+    for (const Vec3& c : p) {
+      triangulator.addPoint(c[0], c[1], c[2]);
+      triangulator.addPoint(c[0], c[1]);
+    }
+    ASSERT_EQ(triangulator.triangulate(), 1);
+    int flat = 0;
+    for (const Triangle& t : triangles()) {
+      flat += std::count(t.begin(), t.end(), 0) + std::count(t.begin(), t.end(), 12) == 2;
+    }
+    EXPECT_EQ(flat, 1);
+  }
+}
+
 // ---- Bad input
 
 // Whatever the outline, crossing or not: an answer, a message with every 0, and indices of corners.
