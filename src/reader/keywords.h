@@ -53,8 +53,10 @@ consteval KeywordTable makeKeywordTable() {
 }
 
 inline constexpr KeywordTable keywordTable = makeKeywordTable();
+static_assert(std::ranges::all_of(keywordTable.keywords,
+                                  [](const Keyword& keyword) { return keyword.word.size() > 1; }));
 
-// The longest keyword that the text begins with, or null. No keyword is a single character.
+// The longest keyword that the text begins with, or null.
 inline const Keyword* findKeyword(std::string_view text) {
   if (text.size() < 2) return nullptr;
   const auto first = static_cast<unsigned char>(text[0]);
