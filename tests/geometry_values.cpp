@@ -2,7 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
+#include <cstdint>
+#include <cstdio>
 #include <limits>
 #include <memory>
 #include <string>
@@ -73,6 +77,27 @@ TEST(Output, WritesOnlyNumbersThatAReaderTakes) {
                 out.write(text);
                 out.put(')');
               }) == "(" + text + ")");
+}
+
+TEST(Output, FormatsNumbersAsPrintfDoes) {
+  meshes::Random random(11);
+  for (int i = 0; i < 40000; ++i) {
+    // Numbers of all sizes, and numbers that lie in the middle between two texts.
+    float number = std::bit_cast<float>(static_cast<std::uint32_t>(random()));
+    if (i % 4 == 1) number = std::ldexp(static_cast<float>(meshes::pick(random, 1 << 24)), -7);
+    if (i % 4 == 2) number = static_cast<float>(meshes::uniform(random, -1000, 1000));
+    if (i % 4 == 3) number = static_cast<float>(meshes::pick(random, 100000)) / -100;
+    if (!std::isfinite(number)) continue;
+    std::array<char, 64> text;
+    std::snprintf(text.data(), text.size(), "%.6f", double{number});
+    std::string expected = text.data();
+    expected.resize(expected.find_last_not_of('0') + 1);
+    if (expected.back() == '.') expected.pop_back();
+    ASSERT_EQ(catchOutput([&](Output& out) { printFloat(out, double{number}); }), expected);
+
+    const int integer = static_cast<int>(random()) >> meshes::pick(random, 32);
+    ASSERT_EQ(catchOutput([&](Output& out) { out.writeInt(integer); }), std::to_string(integer));
+  }
 }
 
 TEST(Output, IndentsToAnyColumn) {
