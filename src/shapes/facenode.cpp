@@ -110,13 +110,8 @@ int FaceNode::verbose = 0;
 ShapeNode::Kind FaceNode::getKind() const { return {"face", "lod - 0 ", 1, verbose != 0}; }
 
 std::unique_ptr<ShapeSet> FaceNode::generateFaceSet() {
-  beginShapeSet();
-  const auto* list = getValue<FLong>(FIELD_coordIndex);
-  const std::span<const int> positions =
-      list != nullptr ? std::span(list->values) : std::span<int>();
+  const std::span<const int> positions = beginShapeSet();
   OctreeCoordSet& coordSet = getCoordSet();
-  coordSet.beginShape(positions, isWithLevels());
-
   VertexReader reader(*this, faceSources);
   auto set = std::make_unique<FaceSet>(0, coordSet, reader.getAttributes(), state.vertexOrdering);
   FaceCollector collector(*set, coordSet, positions);

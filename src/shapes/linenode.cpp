@@ -21,13 +21,8 @@ int LineNode::verbose = 0;
 ShapeNode::Kind LineNode::getKind() const { return {"line", "lod - ", 2, verbose != 0}; }
 
 std::unique_ptr<ShapeSet> LineNode::generateLineSet() {
-  beginShapeSet();
-  const auto* list = getValue<FLong>(FIELD_coordIndex);
-  const std::span<const int> positions =
-      list != nullptr ? std::span(list->values) : std::span<int>();
+  const std::span<const int> positions = beginShapeSet();
   OctreeCoordSet& coordSet = getCoordSet();
-  coordSet.beginShape(positions, isWithLevels());
-
   VertexReader reader(*this, lineSources);
   auto set = std::make_unique<LineSet>(0, coordSet, reader.getAttributes());
   int segments = 0;

@@ -114,7 +114,7 @@ int ShapeNode::getTextureCoordIndex(int index) const {
   return set.getWrittenIndex(index);
 }
 
-void ShapeNode::beginShapeSet() {
+std::span<const int> ShapeNode::beginShapeSet() {
   if (getKind().isVerbose) {
     message(getKind().prefix, "accesses:");
     const std::array<std::pair<const char*, const Node*>, 4> nodes = {
@@ -138,6 +138,11 @@ void ShapeNode::beginShapeSet() {
     warning("useless normalIndex\n");
   }
   if (getMaterialSet().count <= 1) materialBinding = OVERALL;
+
+  std::span<const int> positions;
+  if (const auto* list = getValue<FLong>(FIELD_coordIndex)) positions = list->values;
+  getCoordSet().beginShape(positions, isWithLevels());
+  return positions;
 }
 
 namespace {

@@ -64,14 +64,15 @@ class ShapeNode : public Node, public JoinShape {
   // The ShapeHints node that must stand in front of the levels, or null.
   [[nodiscard]] virtual std::unique_ptr<Node> makeHints() const { return nullptr; }
 
-  [[nodiscard]] static bool isWithLevels() { return nolods == 0 && extractlod != 0; }
-  // What both kinds do first: reports the attribute nodes used, warns of useless index lists, and
-  // settles the material binding.
-  void beginShapeSet();
+  // What both kinds do first: reports the attribute nodes used, warns of useless index lists,
+  // settles the material binding, and starts the shape in its coordinate set. Answers the points of
+  // its polygons, with -1 between them; the field keeps them.
+  [[nodiscard]] std::span<const int> beginShapeSet();
 
  private:
   using Levels = std::vector<std::unique_ptr<ShapeSet>>;
 
+  [[nodiscard]] static bool isWithLevels() { return nolods == 0 && extractlod != 0; }
   void checkSameState(const State& present) const;
   void generateLODs(Levels& levels) const;
   [[nodiscard]] NodeList makeAttributeNodes() const;
