@@ -68,7 +68,8 @@ void printIndent(Output& out, int column) {
     tabs = column / global_tab;
     column %= global_tab;
   }
-  // Nearly all lines: both are filled to a fixed size, of which the next text covers what is too much.
+  // Nearly all lines: both are filled to a fixed size, of which the next text covers what is too
+  // much.
   constexpr int usual = 16;
   if (tabs <= usual && column <= usual) {
     char* const room = out.reserve(2 * usual);
