@@ -88,12 +88,15 @@ TEST(Output, FormatsNumbersAsPrintfDoes) {
     if (i % 4 == 2) number = static_cast<float>(meshes::uniform(random, -1000, 1000));
     if (i % 4 == 3) number = static_cast<float>(meshes::pick(random, 100000)) / -100;
     if (!std::isfinite(number)) continue;
-    std::array<char, 64> text;
-    std::snprintf(text.data(), text.size(), "%.6f", double{number});
-    std::string expected = text.data();
-    expected.resize(expected.find_last_not_of('0') + 1);
-    if (expected.back() == '.') expected.pop_back();
-    ASSERT_EQ(catchOutput([&](Output& out) { printFloat(out, double{number}); }), expected);
+    // The number itself, and one in double precision just beside it.
+    for (const double written : {double{number}, std::nextafter(double{number}, 1.0)}) {
+      std::array<char, 64> text;
+      std::snprintf(text.data(), text.size(), "%.6f", written);
+      std::string expected = text.data();
+      expected.resize(expected.find_last_not_of('0') + 1);
+      if (expected.back() == '.') expected.pop_back();
+      ASSERT_EQ(catchOutput([&](Output& out) { printFloat(out, written); }), expected);
+    }
 
     const int integer = static_cast<int>(random()) >> meshes::pick(random, 32);
     ASSERT_EQ(catchOutput([&](Output& out) { out.writeInt(integer); }), std::to_string(integer));

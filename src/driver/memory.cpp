@@ -9,6 +9,9 @@
 // Only the program itself is linked with this, and not when it is built with sanitizers, which then
 // watch each block. It must not take part in link-time optimisation: a compiler that sees both
 // sides may leave out what is written to a block before it is given away or after it has come back.
+#include <sys/mman.h>
+
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -22,7 +25,12 @@ namespace {
 constexpr std::size_t unit = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
 using Header = std::uint64_t;          // units of a small block, header included; 0: a large block
 constexpr std::size_t mostUnits = 64;  // of a small block
-constexpr std::size_t poolSize = std::size_t{1} << 20;  // bytes that small blocks are cut from
+
+// Bytes of the pools that small blocks are cut from: of the first, and of the largest; each is
+// twice as large as the one before.
+constexpr std::size_t firstPoolSize = std::size_t{1} << 15;
+constexpr std::size_t largestPoolSize = std::size_t{1} << 20;
+constexpr std::size_t pageSize = 4096;
 
 struct FreeBlock {
   FreeBlock* next;
@@ -35,6 +43,7 @@ struct Memory {
   // The part of the newest pool that has not been used yet; begins with the next block's header.
   char* begin = nullptr;
   char* end = nullptr;
+  std::size_t poolSize = firstPoolSize;  // of the next pool
 };
 constinit Memory memory;
 
@@ -47,13 +56,24 @@ void* getLarge(std::size_t size) {
   return begin;
 }
 
+// Asks the system for all pages at once where it can do that: one fault for each page costs small
+// shapes a twentieth of their time.
+char* getPool(std::size_t size) {
+  void* const pool = std::aligned_alloc(pageSize, size);
+#ifdef MADV_POPULATE_WRITE
+  if (pool != nullptr) madvise(pool, size, MADV_POPULATE_WRITE);
+#endif
+  return static_cast<char*>(pool);
+}
+
 void* cutFromPool(std::size_t units) {
   const std::size_t size = units * unit;
   if (static_cast<std::size_t>(memory.end - memory.begin) < size) {
-    char* const pool = static_cast<char*>(std::malloc(poolSize));
+    char* const pool = getPool(memory.poolSize);
     if (pool == nullptr) return nullptr;
     memory.begin = pool + unit - sizeof(Header);
-    memory.end = pool + poolSize;
+    memory.end = pool + memory.poolSize;
+    memory.poolSize = std::min(2 * memory.poolSize, largestPoolSize);
   }
   auto* const header = reinterpret_cast<Header*>(memory.begin);
   memory.begin += size;

@@ -53,7 +53,7 @@ class Parser {
   struct OpenNode {
     const NodeRule* rule;
     NodeInit init;
-    std::string name;
+    RareText name;
     std::size_t firstItem;  // of its children in items_
   };
   using ValuePointer = std::unique_ptr<Value>;
@@ -69,11 +69,11 @@ class Parser {
 
   bool item();
   bool use();
-  bool unknownNode(std::string&& name);
-  bool openNode(const NodeRule& rule, std::string&& name);
+  bool unknownNode(RareText&& name);
+  bool openNode(const NodeRule& rule, RareText&& name);
   bool closeNode(OpenNode& node);
   bool fields(const NodeRule& rule, std::vector<Field>& list);
-  void addItem(std::unique_ptr<Node> node, std::string&& name);
+  void addItem(std::unique_ptr<Node> node, RareText&& name);
 
   bool element(int& value);
   bool element(float& value);
@@ -146,10 +146,10 @@ int Parser::parse() {
 
 bool Parser::item() {
   if (is(TOKEN_USE)) return use();
-  std::string name;
+  RareText name;
   if (accept(TOKEN_DEF)) {
     if (!is(TOKEN_NAME)) return parseError();
-    name = yylval.text;
+    name = RareText(yylval.text);
     consume();
   }
   if (is(TOKEN_UNKNOWNTYPE)) return unknownNode(std::move(name));
@@ -167,7 +167,7 @@ bool Parser::use() {
   return true;
 }
 
-bool Parser::unknownNode(std::string&& name) {
+bool Parser::unknownNode(RareText&& name) {
   std::string type(yylval.text);
   consume();
   if (!is(TOKEN_UNKNOWNBODY)) return parseError();
@@ -179,7 +179,7 @@ bool Parser::unknownNode(std::string&& name) {
 }
 
 // Reads a node up to its children; to its end, if its type has none.
-bool Parser::openNode(const NodeRule& rule, std::string&& name) {
+bool Parser::openNode(const NodeRule& rule, RareText&& name) {
   OpenNode node{&rule, {}, std::move(name), items_.size()};
   node.init.type = rule.type;
   node.init.firstLine = yylval.integer;
@@ -188,7 +188,7 @@ bool Parser::openNode(const NodeRule& rule, std::string&& name) {
   if (!expect('{')) return false;
   if (rule.declaration && accept(TOKEN_FIELDS)) {
     if (!is(TOKEN_FIELDLIST)) return parseError();
-    node.init.fieldsText = yylval.text;
+    node.init.fieldsText = RareText(yylval.text);
     consume();
   }
   if (!fields(rule, node.init.fields)) return false;
@@ -214,7 +214,7 @@ bool Parser::closeNode(OpenNode& node) {
   return true;
 }
 
-void Parser::addItem(std::unique_ptr<Node> node, std::string&& name) {
+void Parser::addItem(std::unique_ptr<Node> node, RareText&& name) {
   node->name = std::move(name);
   node->registerName();
   items_.push_back(std::move(node));

@@ -7,7 +7,7 @@
 namespace varimesh {
 
 void IdentSet::insert(Node* node) {
-  const auto [place, isNew] = idents_.try_emplace(node->name, Ident{node});
+  const auto [place, isNew] = idents_.try_emplace(std::string(node->name), Ident{node});
   if (!isNew) {
     if (!place->second.closed) place->second.node = node;
   } else if (place != idents_.begin()) {

@@ -75,7 +75,7 @@ bool haveEqualValues(const Field& a, const Field& b) {
 
 bool haveEqualHeads(const GroupNode& group, const GroupNode& other) {
   return group.type == other.type && group.used == 0 && other.used == 0 &&
-         group.fieldsText == other.fieldsText &&
+         std::string_view(group.fieldsText) == other.fieldsText &&
          std::equal(group.fields.begin(), group.fields.end(), other.fields.begin(),
                     other.fields.end(), haveEqualValues) &&
          !isLeftAlone(group);

@@ -30,8 +30,8 @@ bool setsAttributes(GroupNode& group) {
   });
 }
 
-std::uint64_t mixText(std::uint64_t hash, const std::string& text) {
-  return mixHash(hash, std::uint64_t{std::hash<std::string>()(text)});
+std::uint64_t mixText(std::uint64_t hash, std::string_view text) {
+  return mixHash(hash, std::uint64_t{std::hash<std::string_view>()(text)});
 }
 
 }  // namespace

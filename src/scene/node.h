@@ -4,7 +4,6 @@
 #include <cstdarg>
 #include <cstdint>
 #include <iterator>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -12,6 +11,7 @@
 #include "scene/identset.h"
 #include "values/field.h"
 #include "values/output.h"
+#include "values/raretext.h"
 
 namespace varimesh {
 
@@ -23,8 +23,7 @@ class UseNode;
 // What the reader knows of a node when its closing brace has been read.
 struct NodeInit {
   int type = NODE_NONE;
-  std::string
-      fieldsText{};  // of a "fields" declaration, brackets included; empty when there is none
+  RareText fieldsText{};  // of a "fields" declaration, brackets included
   std::vector<Field> fields{};
   int firstLine = 0;
   int lastLine = 0;
@@ -37,8 +36,8 @@ class Node {
   int lastLine;               //   -1 for the default attribute nodes
   int used = 0;               // 1 once a USE refers to the node or to a group around it
   int joinState = 0;          // bits of the joining phase
-  std::string name;           // the DEF name; empty when there is none
-  std::string fieldsText;     // see NodeInit
+  RareText name;              // of DEF
+  RareText fieldsText;        // see NodeInit
   std::vector<Field> fields;  // in input order; deleted once the node has been written
 
   // All names that DEF gave in the input.
@@ -129,7 +128,8 @@ class Node {
     return nodeIdString[static_cast<std::size_t>(type)];
   }
 
- private:
+ protected:
+  // What messages begin with.
   void printPlace(std::FILE* file) const;
 };
 

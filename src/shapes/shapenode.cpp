@@ -169,7 +169,8 @@ void ShapeNode::generateLODs(Levels& levels) const {
   if (kind.isVerbose) {
     message(kind.prefix, "uses %d of %d coord(s)\n", coordSet.getCountUsed(), coordSet.count);
   } else {
-    message("", "%s", kind.progress);
+    printPlace(stdout);
+    std::fputs(kind.progress, stdout);
   }
   while (coordSet.getCountUsed() > 1 && levels.back()->setCount > 0) {
     if (extractlod != -1 && coordSet.getCurrentLOD() >= extractlod) break;

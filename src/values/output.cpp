@@ -95,12 +95,17 @@ void printFloat(Output& out, double number) {
 
   char* room = out.reserve(400);
   // A single times a million is exact in double precision, so rounding it to an integer (ties to
-  // even) rounds exactly as "%f" does. Other numbers take the general road.
-  if (const double size = std::abs(number);
-      size < 1e9 && double{static_cast<float>(size)} == size) {
-    if (std::signbit(number)) *room++ = '-';
-    out.advance(formatMillionths(room, static_cast<std::uint64_t>(std::llrint(size * 1e6))));
-    return;
+  // even) rounds exactly as "%f" does. The product of another number is off by less than 0.07,
+  // which does not matter unless a tie is near. All else takes the general road.
+  if (const double size = std::abs(number); size < 1e9) {
+    const double millionths = size * 1e6;
+    const long long rounded = std::llrint(millionths);
+    if (double{static_cast<float>(size)} == size ||
+        std::abs(millionths - static_cast<double>(rounded)) < 0.4) {
+      if (std::signbit(number)) *room++ = '-';
+      out.advance(formatMillionths(room, static_cast<std::uint64_t>(rounded)));
+      return;
+    }
   }
   char* end = std::to_chars(room, room + 400, number, std::chars_format::fixed, 6).ptr;
   while (end[-1] == '0') --end;
