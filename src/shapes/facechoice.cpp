@@ -149,8 +149,8 @@ bool FaceSet::isWithinBigger(const Corners& corners, Sequence sequence) {
   const unsigned question = bigger.size() <= longList ? 0 : getIndex().countQuestion(rarest);
   if (question <= manyQuestions) {
     return std::any_of(bigger.begin(), bigger.end(), [&](ShapeId face) {
-      return sequences_[face] < sequence &&
-             isEquivOrSubsetOf(corners, faces_[face], vertexOrdering_);
+      return isEquivOrSubsetOf(corners, faces_[face], vertexOrdering_) &&
+             sequences_[face] < sequence;
     });
   }
   FaceIndex& index = getIndex();

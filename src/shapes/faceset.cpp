@@ -63,6 +63,21 @@ void FaceSet::insertRepresent(const FaceSet& previous, ShapeId shape, Sequence s
   numbers.append(previous.numbers, shape);
 }
 
+// A triangle of which two corners, i and j behind it, come to lie on one point becomes a segment.
+// About every second triangle does (3 % of the time of a whole run on a large mesh).
+void FaceSet::insertSegment(const FaceSet& previous, ShapeId shape, Sequence sequence) {
+  const Corners& corners = previous.faces_[shape];
+  const Corners represents = previous.getRepresents(shape);
+  const unsigned i = represents[0] == represents[1] ? 0 : represents[1] == represents[2] ? 1 : 2;
+  const unsigned j = (i + 1) % 3;
+  const unsigned omitted = coordSet.getSelected(corners[j]) == corners[i] ? j : i;
+  const unsigned first = omitted == 0 ? 1 : 0;
+  const unsigned second = omitted == 2 ? 1 : 2;
+  faces_.push_back({represents[first], represents[second], noCoord, noCoord});
+  sequences_.push_back(sequence);
+  numbers.append(previous.numbers, shape, {first, second});
+}
+
 // Faces that keep four corners are inserted first, then those with three, then segments, each kind
 // in the order of this level.
 std::unique_ptr<ShapeSet> FaceSet::generateNextLOD() {
@@ -93,7 +108,12 @@ std::unique_ptr<ShapeSet> FaceSet::generateNextLOD() {
     }
   }
   for (const ShapeId shape : lines) {
-    next->insert(createRepresent(shape), firstSegment + sequences_[shape]);
+    const Sequence sequence = firstSegment + sequences_[shape];
+    if (getCoords(shape).size() == 3) {
+      next->insertSegment(*this, shape, sequence);
+    } else {
+      next->insert(createRepresent(shape), sequence);
+    }
   }
   // Only what is written is needed any longer.
   next->refs_ = std::move(refs_);

@@ -67,6 +67,7 @@ class FaceSet : public ShapeSet {
   void numberFaces();
 
   // Making the next level.
+  void insertSegment(const FaceSet& previous, ShapeId shape, Sequence sequence);
   [[nodiscard]] Corners getRepresents(ShapeId shape) const;
   [[nodiscard]] Face createRepresent(ShapeId shape) const;
   [[nodiscard]] Vec getPosition(CoordId coord) const {

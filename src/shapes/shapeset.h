@@ -49,6 +49,13 @@ class AttributeList {
     if (per_ == Per::shape) perShape_.push_back(other.perShape_[shape]);
     if (per_ == Per::corner) perCorner_.push_back(other.perCorner_[shape]);
   }
+  // Takes over what another list has for two corners of a shape.
+  void append(const AttributeList& other, ShapeId shape, std::array<unsigned, 2> corners) {
+    if (per_ == Per::shape) perShape_.push_back(other.perShape_[shape]);
+    if (per_ != Per::corner) return;
+    const Numbers& numbers = other.perCorner_[shape];
+    perCorner_.push_back({numbers[corners[0]], numbers[corners[1]], noIndex, noIndex});
+  }
   // Copies what it has for one shape to the place of another.
   void move(ShapeId from, ShapeId to) {
     if (per_ == Per::shape) perShape_[to] = perShape_[from];
@@ -95,6 +102,11 @@ struct AttributeLists {
     materials.append(other.materials, shape);
     normals.append(other.normals, shape);
     textureCoords.append(other.textureCoords, shape);
+  }
+  void append(const AttributeLists& other, ShapeId shape, std::array<unsigned, 2> corners) {
+    materials.append(other.materials, shape, corners);
+    normals.append(other.normals, shape, corners);
+    textureCoords.append(other.textureCoords, shape, corners);
   }
   void move(ShapeId from, ShapeId to) {
     materials.move(from, to);
