@@ -16,7 +16,7 @@ class Node;
 // names ends for good when a name that sorts behind it is hung in between; `closed` records that.
 class IdentSet {
  public:
-  // Enters a node under its name, which must outlive the set's use.
+  // Enters a node, which must outlive the use of the set, under its name.
   void insert(Node* node);
   // The node that the name stands for, or null.
   [[nodiscard]] Node* search(std::string_view name) const;
