@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <limits>
 #include <map>
 #include <random>
 #include <sstream>
@@ -267,45 +268,88 @@ TEST_F(TriangulatorTest, RefusesOutlinesThatCrossOrCoincideInEveryPlane) {
   }
 }
 
-// Large polygons are swept instead of compared pair by pair; the answer must be the same, also
-// where corners lie on other edges or miss them by a hair.
-TEST_F(TriangulatorTest, SweepAnswersLikeAllPairs) {
-  int clear = 0;
-  for (unsigned seed = 0; seed < 400; ++seed) {
-    Random random(seed);
-    const int n = 50 + pick(random, 40);
-    const double scale = std::pow(10, uniform(random, -30, 30));
-    Polygon p = kFamilies[seed % kFamilies.size()].second(n, random);
-    for (int k = pick(random, 4); k > 0; --k) {
-      const std::size_t i = random() % p.size();
-      const Vec3& a = p[random() % p.size()];
-      const double t = pick(random, 3) * 0.5;
-      p[i] = {p[i][0] + t * (a[0] - p[i][0]),
-              p[i][1] + t * (a[1] - p[i][1]) + pick(random, 2) * 1e-7, 0};
-    }
-    if (seed % 10 == 0) p.back() = p.front();
-    for (Vec3& c : p) c = {static_cast<float>(c[0] * scale), static_cast<float>(c[1] * scale), 0};
+// A simple outline of 50 to 90 corners, of which some are moved: away, onto an edge or its
+// extension, or to within a hair of it. Single precision, of any size.
+std::vector<Point2> disturbedOutline(unsigned seed, Random& random) {
+  const double scale = std::pow(10, uniform(random, -30, 30));
+  const double shear = pick(random, 2) ? uniform(random, -3, 3) : 0;
+  const Polygon p = kFamilies[seed % kFamilies.size()].second(50 + pick(random, 40), random);
+  std::vector<Point2> corners;
+  for (const Vec3& c : p) corners.push_back({c[0] + shear * c[1], c[1]});
+  for (int k = pick(random, 4); k > 0; --k) {
+    const std::size_t edge = random() % corners.size();
+    const Point2 a = corners[edge];
+    const Point2 b = corners[(edge + 1) % corners.size()];
+    const double fine = std::pow(2, uniform(random, -50, -15));
+    const double hair = fine * pick(random, 3);
+    const double ts[] = {0, 0.5, 1 + hair, uniform(random, -1, 2)};
+    const double t = ts[random() % 4];
+    const double beside = hair * pick(random, 3);
+    corners[random() % corners.size()] = {a[0] + t * (b[0] - a[0]),
+                                          a[1] + t * (b[1] - a[1]) + beside};
+  }
+  if (seed % 10 == 0) corners.back() = corners.front();
+  for (Point2& c : corners) {
+    c = {static_cast<float>(c[0] * scale), static_cast<float>(c[1] * scale)};
+  }
+  return corners;
+}
 
-    bool expected = true;
-    const std::size_t corners = p.size();
-    for (std::size_t i = 0; i < corners; ++i) {
-      for (std::size_t j = i + 1; j < corners; ++j) {
-        if (i == 0 && j == corners - 1) continue;
-        const Vec3& d = p[(j + 1) % corners];
-        if (p[i] == p[j] ||
-            (j > i + 1 && Triangulator::checkCrossing(p[i][0], p[i][1], p[i + 1][0], p[i + 1][1],
-                                                      p[j][0], p[j][1], d[0], d[1]) == 1)) {
-          expected = false;
-        }
+bool edgesCross(const std::vector<Point2>& p, std::size_t i, std::size_t j) {
+  const Point2& d = p[(j + 1) % p.size()];
+  return j > i + 1 && Triangulator::checkCrossing(p[i][0], p[i][1], p[i + 1][0], p[i + 1][1],
+                                                  p[j][0], p[j][1], d[0], d[1]) == 1;
+}
+
+EdgeOrder::Verdict examine(const std::vector<Point2>& corners) {
+  constexpr double kFar = std::numeric_limits<double>::infinity();
+  std::vector<EdgeBox> boxes;
+  for (int i = 0; i < static_cast<int>(corners.size()); ++i) {
+    boxes.push_back({{-kFar, -kFar}, {kFar, kFar}, i});
+  }
+  return EdgeOrder(Outline(corners), boxes).examine();
+}
+
+// Large polygons are swept instead of compared pair by pair; the answer must be the same. The order
+// of the edges, which is asked about the largest, may have none, but not a wrong one.
+TEST_F(TriangulatorTest, SweepsAnswerLikeAllPairs) {
+  std::map<std::pair<bool, EdgeOrder::Verdict>, int> verdicts;
+  for (unsigned seed = 0; seed < 2000; ++seed) {
+    Random random(seed);
+    const std::vector<Point2> p = disturbedOutline(seed, random);
+    bool crosses = false;
+    bool coincides = false;
+    triangulator.reset();
+    for (std::size_t i = 0; i < p.size(); ++i) {
+      triangulator.addPoint(p[i][0], p[i][1], 0);
+      for (std::size_t j = i + 1; j < p.size(); ++j) {
+        if (i == 0 && j == p.size() - 1) continue;
+        coincides |= p[i] == p[j];
+        crosses |= edgesCross(p, i, j);
       }
     }
-    triangulator.reset();
-    for (const Vec3& c : p) triangulator.addPoint(c[0], c[1], c[2]);
-    ASSERT_EQ(triangulator.checkForXYZ(), expected) << "seed " << seed;
-    clear += expected;
+    ASSERT_EQ(triangulator.checkForXYZ(), !crosses && !coincides) << "seed " << seed;
+    ++verdicts[{crosses, examine(p)}];
   }
-  EXPECT_GT(clear, 80);
-  EXPECT_LT(clear, 320);
+  using enum EdgeOrder::Verdict;
+  EXPECT_EQ((verdicts[{true, clear}]), 0);
+  EXPECT_EQ((verdicts[{false, crossing}]), 0);
+  EXPECT_GT((verdicts[{false, clear}]), 400);
+  EXPECT_GT((verdicts[{true, crossing}]), 400);
+  EXPECT_LT((verdicts[{false, unknown}]), 200);
+}
+
+// Where most edges run askew and overlap with most others, only their order is a fast way to know.
+TEST_F(TriangulatorTest, OrderKnowsEdgesThatRunAskew) {
+  Random random(3);
+  std::vector<Point2> p;
+  for (const Vec3& c : comb(20'000, random)) {
+    p.push_back({static_cast<float>(c[0] + 1000 * c[1]), static_cast<float>(c[1] * 1000)});
+  }
+  EXPECT_EQ(examine(p), EdgeOrder::Verdict::clear);
+  // A tooth through its neighbour.
+  p[10'001][0] += 10'000;
+  EXPECT_EQ(examine(p), EdgeOrder::Verdict::crossing);
 }
 
 // ---- Tiling

@@ -13,6 +13,8 @@
 #include <optional>
 #include <vector>
 
+#include "triangulate/edgesweep.h"
+#include "triangulate/outline.h"
 #include "triangulate/trapezoids.h"
 
 namespace varimesh {
@@ -79,14 +81,6 @@ class Triangulator {
   using Point3 = std::array<double, 3>;
   using Row = std::array<int, 3>;
 
-  // The bounding box of an edge in the plane of projection, wide enough that `checkCrossing` cannot
-  // answer 1 for disjoint ones.
-  struct Box {
-    double lo[2];
-    double hi[2];
-    int edge;
-  };
-
   // A segment while it is threaded through the trapezoids, its higher end first.
   struct Insertion {
     int segnum;
@@ -147,12 +141,7 @@ class Triangulator {
 
   // projection.cpp
   std::array<bool, 3> comparePairsAloud() const;
-  bool planeIsClear(int u, int v);
-  bool pairsAreClear(int u, int v) const;
-  bool sweepIsClear(int u, int v);
-  bool pointsCoincide(int u, int v);
-  bool edgesCross(int i, int j, int u, int v) const;
-  bool isSinglePrecision() const;
+  void project(int u, int v, std::vector<Point2>& corners) const;
 
   // trapezoidation.cpp
   static int _greater_than(const point_t& a, const point_t& b);
@@ -210,9 +199,8 @@ class Triangulator {
   int segmentCount_ = 0;
   point_t farAway_{};  // the upper bounding point at infinity; the lower one is its opposite
 
-  std::vector<int> order_;  // scratch of the choice of the plane
-  std::vector<Box> boxes_;
-  std::vector<Box> openBoxes_;
+  std::vector<Point2> projected_;  // scratch of the choice of the plane
+  EdgeSweep edgeSweep_;
 
   std::vector<Row> triangles_;  // corners are point slots, or indices below five corners
   std::vector<ChainElement> chain_;
